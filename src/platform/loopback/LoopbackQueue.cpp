@@ -1,0 +1,121 @@
+#include "platform/loopback/LoopbackQueue.h"
+
+#include "platform/Numbers.h"
+#include "platform/loopback/LoopbackWire.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace sonotrace {
+
+LoopbackQueue::LoopbackQueue(std::shared_ptr<LoopbackWire> wire, Direction direction, Callback callback,
+                             RunLoop* runLoop)
+    : wire_(std::move(wire)), direction_(direction), delivery_(*this, std::move(callback), runLoop) {}
+
+LoopbackQueue::~LoopbackQueue() {
+    dispose();
+}
+
+void LoopbackQueue::play(std::span<std::int16_t> interleaved) {
+    while (!interleaved.empty()) {
+        if (queued_.empty()) {
+            ++underruns_;
+            return;
+        }
+        AudioQueueBuffer& buffer = *queued_.front();
+        const std::size_t end = buffer.byteSize / sizeof(std::int16_t);
+        const std::size_t count = std::min(interleaved.size(), end - position_);
+        for (std::size_t i = 0; i < count; ++i)
+            interleaved[i] = addSamples(interleaved[i], buffer.samples[position_ + i]);
+        interleaved = interleaved.subspan(count);
+        position_ += count;
+        if (position_ == end) {
+            queued_.pop_front();
+            position_ = 0;
+            delivery_.deliver(buffer);
+        }
+    }
+}
+
+void LoopbackQueue::capture(std::span<const std::int16_t> interleaved) {
+    if (metering_)
+        level_.add(interleaved);
+    while (!interleaved.empty()) {
+        if (queued_.empty()) {
+            ++underruns_; // the user holds all buffers: these samples have nowhere to go
+            return;
+        }
+        AudioQueueBuffer& buffer = *queued_.front();
+        const std::size_t end = buffer.allSamples().size();
+        const std::size_t count = std::min(interleaved.size(), end - position_);
+        std::copy_n(interleaved.begin(), count, buffer.samples.get() + position_);
+        interleaved = interleaved.subspan(count);
+        position_ += count;
+        if (position_ == end) {
+            buffer.byteSize = buffer.byteCapacity;
+            queued_.pop_front();
+            position_ = 0;
+            delivery_.deliver(buffer);
+        }
+    }
+}
+
+Status LoopbackQueue::setCurrentDevice(const std::string& uid) {
+    return uid.empty() || uid == kLoopbackDeviceUid ? kNoError : kStatusNoSuchDevice;
+}
+
+Status LoopbackQueue::allocateBuffer(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) {
+    buffers_.push_back(std::make_unique<AudioQueueBuffer>(byteCapacity));
+    buffer = buffers_.back().get();
+    return kNoError;
+}
+
+Status LoopbackQueue::enqueueBuffer(AudioQueueBuffer& buffer) {
+    if (buffer.byteSize < sizeof(std::int16_t) || buffer.byteSize > buffer.byteCapacity)
+        return kStatusBadArgument;
+    const std::lock_guard lock(wire_->mutex());
+    queued_.push_back(&buffer);
+    return kNoError;
+}
+
+Status LoopbackQueue::start() {
+    wire_->connect(*this);
+    running_ = true;
+    return kNoError;
+}
+
+Status LoopbackQueue::stop() {
+    wire_->disconnect(*this);
+    delivery_.cancel();
+    queued_.clear();
+    position_ = 0;
+    running_ = false;
+    return kNoError;
+}
+
+Status LoopbackQueue::dispose() {
+    return stop();
+}
+
+Status LoopbackQueue::enableLevelMetering(bool enabled) {
+    const std::lock_guard lock(wire_->mutex());
+    metering_ = enabled;
+    return kNoError;
+}
+
+Status LoopbackQueue::currentLevelMeter(std::span<LevelMeter> channels) {
+    const std::lock_guard lock(wire_->mutex());
+    level_.read(channels);
+    return kNoError;
+}
+
+QueueState LoopbackQueue::state() const {
+    const std::lock_guard lock(wire_->mutex());
+    QueueState state;
+    state.phase = running_ ? QueueState::Phase::Running : QueueState::Phase::Stopped;
+    state.deviceName = kLoopbackDeviceName;
+    state.underruns = underruns_;
+    return state;
+}
+
+} // namespace sonotrace
