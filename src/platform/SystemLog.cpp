@@ -25,8 +25,10 @@ namespace {
 void systemLog(const char* format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    const std::string line = formatted(format, arguments) + '\n';
+    std::string line = formatted(format, arguments);
     va_end(arguments);
+    if (line.empty() || line.back() != '\n') // some texts carry a line end of their own
+        line += '\n';
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 

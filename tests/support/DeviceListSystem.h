@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/loopback/LoopbackSystem.h"
+
+#include <string>
+#include <vector>
+
+namespace sonotrace {
+
+/// A loopback whose device list is the test's, and that remembers which device its volume was asked for.
+class DeviceListSystem : public LoopbackSystem {
+public:
+    explicit DeviceListSystem(std::vector<DeviceDescription> devices, Status status = kNoError)
+        : LoopbackSystem(Clock::Manual), devices_(std::move(devices)), status_(status) {}
+
+    Status deviceListSize(std::uint32_t& count) override {
+        count = static_cast<std::uint32_t>(devices_.size());
+        return status_;
+    }
+    Status deviceList(std::vector<DeviceDescription>& devices) override {
+        devices = devices_;
+        return status_;
+    }
+
+private:
+    const std::vector<DeviceDescription> devices_;
+    const Status status_;
+};
+
+/// A device with one stream of `outputs` and one of `inputs` channels; 0 is no stream.
+inline DeviceDescription device(AudioDeviceID id, const std::string& name, std::uint32_t outputs,
+                                std::uint32_t inputs) {
+    DeviceDescription description{
+        .id = id, .name = name, .uid = "uid-" + name, .outputStreams = {{}}, .inputStreams = {{}}};
+    if (outputs > 0)
+        description.outputStreams->push_back(outputs);
+    if (inputs > 0)
+        description.inputStreams->push_back(inputs);
+    return description;
+}
+
+} // namespace sonotrace
