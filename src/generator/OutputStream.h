@@ -1,11 +1,9 @@
 #pragma once
 
-#include "audio/AudioDeviceTable.h"
-#include "platform/SoundSystem.h"
+#include "audio/StreamQueue.h"
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <span>
 
 namespace sonotrace {
@@ -20,23 +18,21 @@ public:
     OutputStream(SoundSystem& system, const AudioDeviceTable& devices, Render render);
 
     /// Opens the device at position `popupIndex` of the output pop-up, or the server's default where there is
-    /// no such position, and starts playing. Failures are printed and the steps go on.
+    /// no such position, and starts playing.
     void startSound(int popupIndex);
-    void stopSound();
+    void stopSound() { queue_.stopSound(); }
 
-    QueueState state() const;
+    QueueState state() const { return queue_.state(); }
 
 private:
     void chooseDevice(int popupIndex);
-    void enqueueSilence();
     void fill(AudioQueue& queue, AudioQueueBuffer& buffer);
 
     SoundSystem& system_;
     const AudioDeviceTable& devices_;
     const Render render_;
     StreamDescription format_;
-    std::unique_ptr<AudioQueue> queue_;
-    std::vector<std::unique_ptr<AudioQueue>> unstopped_; ///< queues whose stop failed are left as they are
+    StreamQueue queue_;
 };
 
 } // namespace sonotrace

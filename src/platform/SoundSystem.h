@@ -41,7 +41,7 @@ class SoundSystem {
 public:
     virtual ~SoundSystem() = default;
 
-    /// What plays, for people: "PulseAudio", "PipeWire", "Built-in loopback".
+    /// What plays, for people: "PulseAudio", "PipeWire", "Loopback".
     virtual std::string name() const = 0;
 
     /// Number of devices that deviceList() gives.

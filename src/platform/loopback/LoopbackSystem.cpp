@@ -61,7 +61,7 @@ void LoopbackSystem::runSteadyClock() {
 }
 
 std::string LoopbackSystem::name() const {
-    return "Built-in loopback";
+    return "Loopback";
 }
 
 Status LoopbackSystem::deviceListSize(std::uint32_t& count) {

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+class QWidget;
+
+namespace sonotrace {
+
+/// Asks the user for files. Nothing when the user cancels. `message` is the panel's title.
+std::optional<QString> askForFileToOpen(QWidget* parent, const QString& message);
+
+/// `filter` and `suffix` may be empty; a name typed without an extension gets the suffix.
+std::optional<QString> askForFileToSave(QWidget* parent, const QString& message, const QString& filter = {},
+                                        const QString& suffix = {});
+
+} // namespace sonotrace

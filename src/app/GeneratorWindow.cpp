@@ -1,0 +1,85 @@
+#include "app/GeneratorWindow.h"
+
+#include "app/StatusLine.h"
+#include "generator/GeneratorPanel.h"
+
+#include <QComboBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+namespace sonotrace {
+
+namespace {
+
+void introduce(QWidget& control, const char* name, const QString& title, const QString& tip) {
+    control.setObjectName(QLatin1String(name));
+    control.setAccessibleName(title);
+    control.setAccessibleDescription(tip);
+    control.setToolTip(tip);
+}
+
+/// The panel's coordinates are fixed, so on a small screen it scrolls.
+QScrollArea* scrolled(GeneratorPanel* panel) {
+    auto* area = new QScrollArea;
+    area->setObjectName("view");
+    area->setFrameShape(QFrame::NoFrame);
+    area->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    area->setWidget(panel);
+    return area;
+}
+
+} // namespace
+
+GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorBank& bank, const QString& soundSystem) {
+    window.setObjectName("GeneratorWindow");
+    window.setWindowTitle(QObject::tr("Sonotrace Generators"));
+
+    GeneratorWindow parts{};
+    window.menuBar()->setObjectName("myMenu");
+    parts.menu = buildMainMenu(*window.menuBar());
+    parts.panel = new GeneratorPanel(bank);
+
+    auto* outputPopup = new QComboBox;
+    introduce(*outputPopup, "outputPopup", QObject::tr("Output device"),
+              QObject::tr("The device that the generators play on"));
+    outputPopup->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    outputPopup->setMinimumContentsLength(24);
+    parts.outputPopup = outputPopup;
+    auto* outputLabel = new QLabel(QObject::tr("O&utput"));
+    outputLabel->setBuddy(outputPopup);
+
+    auto* syncPhases = new QPushButton(QObject::tr("S&ync Phases"));
+    introduce(*syncPhases, "syncPhases", QObject::tr("Sync phases"),
+              QObject::tr("Starts all generators and the sweep again from phase 0, together"));
+    parts.syncPhases = syncPhases;
+
+    auto* strip = new QHBoxLayout;
+    strip->setContentsMargins(14, 8, 14, 8);
+    strip->setSpacing(8);
+    strip->addWidget(outputLabel);
+    strip->addWidget(outputPopup, 1);
+    strip->addSpacing(16);
+    strip->addWidget(syncPhases);
+
+    auto* content = new QWidget;
+    auto* column = new QVBoxLayout(content);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(scrolled(parts.panel), 1);
+    column->addLayout(strip);
+    window.setCentralWidget(content);
+
+    parts.status = new StatusLine(*window.statusBar(), soundSystem);
+    const QSize chrome = QSize(2, window.menuBar()->sizeHint().height() + strip->sizeHint().height() +
+                                      window.statusBar()->sizeHint().height() + 2);
+    window.resize(parts.panel->size() + chrome);
+    return parts;
+}
+
+} // namespace sonotrace

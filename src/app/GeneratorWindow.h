@@ -1,0 +1,28 @@
+#pragma once
+
+#include "app/MainMenu.h"
+
+class QAbstractButton;
+class QComboBox;
+class QMainWindow;
+class QString;
+
+namespace sonotrace {
+
+struct GeneratorBank;
+class GeneratorPanel;
+class StatusLine;
+
+/// The parts of the generator window that its controller works with.
+struct GeneratorWindow {
+    MainMenu menu;
+    GeneratorPanel* panel; ///< without its rows, which are built once the bank is loaded
+    QComboBox* outputPopup;
+    QAbstractButton* syncPhases;
+    StatusLine* status;
+};
+
+/// Lays out the generator window: menu bar, panel, output device, phase synchronisation, status bar.
+GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorBank& bank, const QString& soundSystem);
+
+} // namespace sonotrace

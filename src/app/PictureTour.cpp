@@ -1,0 +1,96 @@
+#include "app/PictureTour.h"
+
+#include "app/Preferences.h"
+#include "app/WindowControl.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QFileInfo>
+#include <QMainWindow>
+#include <QPixmap>
+#include <QTimer>
+#include <QWidget>
+
+#include <cstdio>
+
+namespace sonotrace {
+
+namespace {
+
+constexpr int kSettling = 3500; // ms until every instrument has something to show
+
+QPalette darkPalette() {
+    QPalette palette(QColor(0x2b, 0x2b, 0x2e), QColor(0x2b, 0x2b, 0x2e));
+    palette.setColor(QPalette::Base, QColor(0x1c, 0x1c, 0x1e));
+    palette.setColor(QPalette::Highlight, QColor(0x3d, 0x7e, 0xc9));
+    return palette;
+}
+
+} // namespace
+
+PictureTour::PictureTour(WindowControl& control, const QString& folder) : control_(control), folder_(folder) {
+    folder_.mkpath(QStringLiteral("."));
+}
+
+void PictureTour::prepare(Preferences& preferences) {
+    preferences.setFloat("Freq0", 1000.0);
+    preferences.setFloat("Freq1", 3000.0);
+    preferences.setInteger("GenType1", 1);
+    for (int slot = 0; slot < 13; ++slot) {
+        preferences.setFloat(QStringLiteral("VolL%1").arg(slot), 1.0);
+        preferences.setFloat(QStringLiteral("VolR%1").arg(slot), 1.0);
+        if (slot > 1)
+            preferences.setFloat(QStringLiteral("Freq%1").arg(slot), 1000.0 + 100.0 * slot);
+    }
+    preferences.setFloat("VolR0", 0.25);
+    preferences.setFloat("VolL1", 0.1);
+    preferences.setFloat("VolR1", 0.5);
+    preferences.setInteger("Enabled0", 1);
+    preferences.setInteger("Enabled1", 1);
+}
+
+bool PictureTour::isReady() const {
+    return QFileInfo(folder_.path()).isWritable();
+}
+
+void PictureTour::begin() {
+    QTimer::singleShot(0, this, [this] {
+        openWindows();
+        QTimer::singleShot(kSettling, this, &PictureTour::finish);
+    });
+}
+
+void PictureTour::openWindows() {
+    const QString recording = folder_.filePath("tone.wav");
+    if (!control_.startRecording(recording))
+        std::fprintf(stderr, "sonotrace: %s cannot be created\n", qUtf8Printable(recording));
+    for (const char* name : {"menuSweep", "menuSpectrum", "menuWaterfall", "menuWScope"}) {
+        auto* item = control_.window().findChild<QAction*>(QLatin1String(name));
+        if (item && item->isEnabled())
+            item->trigger();
+    }
+}
+
+void PictureTour::finish() {
+    takePictures(QString());
+    QApplication::setPalette(darkPalette());
+    QCoreApplication::processEvents();
+    takePictures(QStringLiteral("-dark"));
+    control_.doStopRecordingFileMenu();
+    std::printf("%s\n", qUtf8Printable(folder_.filePath("tone.wav")));
+    QCoreApplication::exit(0);
+}
+
+void PictureTour::takePictures(const QString& suffix) {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (!window->isVisible() || window->objectName().isEmpty())
+            continue;
+        const QString path = folder_.filePath(window->objectName() + suffix + QStringLiteral(".png"));
+        if (window->grab().save(path))
+            std::printf("%s\n", qUtf8Printable(path));
+        else
+            std::fprintf(stderr, "sonotrace: %s cannot be written\n", qUtf8Printable(path));
+    }
+}
+
+} // namespace sonotrace

@@ -1,0 +1,21 @@
+#include "app/Resources.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QStringList>
+
+namespace sonotrace {
+
+QString resourcePath(const QString& name) {
+    // Relative to the binary, so that an installed tree can be moved; the second is the build tree's layout.
+    const QStringList folders = {QStringLiteral("../share/sonotrace"), QStringLiteral("../docs")};
+    for (const QString& folder : folders) {
+        const QFileInfo file(QDir(QCoreApplication::applicationDirPath()), folder + QLatin1Char('/') + name);
+        if (file.isFile())
+            return QDir::cleanPath(file.absoluteFilePath());
+    }
+    return {};
+}
+
+} // namespace sonotrace

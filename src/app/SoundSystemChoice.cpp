@@ -1,0 +1,35 @@
+#include "app/SoundSystemChoice.h"
+
+#include "platform/SystemLog.h"
+#include "platform/loopback/LoopbackSystem.h"
+#include "platform/pulse/PulseSoundSystem.h"
+
+#include <chrono>
+
+namespace sonotrace {
+
+namespace {
+constexpr std::chrono::milliseconds kServerPatience{1500};
+}
+
+std::optional<SoundSystemChoice> soundSystemChoice(const QString& word) {
+    if (word.isEmpty())
+        return SoundSystemChoice::Automatic;
+    if (word == QLatin1String("pulse"))
+        return SoundSystemChoice::Pulse;
+    if (word == QLatin1String("loopback"))
+        return SoundSystemChoice::Loopback;
+    return std::nullopt;
+}
+
+std::unique_ptr<SoundSystem> openSoundSystem(SoundSystemChoice choice) {
+    if (choice == SoundSystemChoice::Loopback)
+        return std::make_unique<LoopbackSystem>();
+    auto pulse = std::make_unique<PulseSoundSystem>();
+    if (pulse->connected(kServerPatience) || choice == SoundSystemChoice::Pulse)
+        return pulse;
+    systemLog("No sound server answers: using the built-in loopback");
+    return std::make_unique<LoopbackSystem>();
+}
+
+} // namespace sonotrace

@@ -1,0 +1,228 @@
+#include "app/WindowControl.h"
+
+#include "app/FilePanels.h"
+#include "app/GeneratorPreferences.h"
+#include "app/GeneratorWindow.h"
+#include "app/Resources.h"
+#include "app/SettingsFile.h"
+#include "app/StatusLine.h"
+#include "generator/GeneratorPanel.h"
+#include "platform/SystemLog.h"
+#include "widgets/PopUp.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QFile>
+#include <QFileInfo>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QSaveFile>
+#include <QUrl>
+
+namespace sonotrace {
+
+namespace {
+constexpr auto kFrameKey = "GENERATOR_WINDOW_FRAME";
+constexpr auto kOutputKey = "MAIN_outputPopup";
+constexpr int kHalfSecond = 500; // ms
+} // namespace
+
+WindowControl::WindowControl(SoundSystem& system, Preferences& preferences)
+    : system_(system),
+      preferences_(preferences),
+      render_(bank_, sweep_, sineTable_, recorder_),
+      output_(system, devices_, [this](std::span<std::int16_t> samples) { render_.render(samples); }),
+      window_(std::make_unique<QMainWindow>()) {}
+
+WindowControl::~WindowControl() {
+    output_.stopSound();
+}
+
+void WindowControl::awakeFromNib() {
+    const GeneratorWindow parts =
+        buildGeneratorWindow(*window_, bank_, QString::fromStdString(system_.name()));
+    menu_ = parts.menu;
+    panel_ = parts.panel;
+    outputPopup_ = parts.outputPopup;
+    status_ = parts.status;
+    connectMenu();
+    connect(parts.syncPhases, &QAbstractButton::clicked, this, &WindowControl::syncPhases);
+
+    deleteSomeMenuItems(*window_->menuBar());
+    preferences_.restoreFrame(*window_, kFrameKey);
+    loadGeneratorBank(preferences_, bank_);
+    panel_->BuildControls();
+    GetSoundDevices();
+    SetSoundDevices();
+    selectItem(*outputPopup_, preferences_.integerValue(kOutputKey));
+    // Connected only now: filling the pop-up is not the user choosing a device.
+    connect(outputPopup_, &QComboBox::activated, this, &WindowControl::doInputDevice);
+    startSound();
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &WindowControl::applicationWillTerminate);
+    menuGenerators();
+    connect(&ourTimer_, &QTimer::timeout, this, &WindowControl::HalfSecTimer);
+    ourTimer_.start(kHalfSecond);
+    validateMenu();
+}
+
+void WindowControl::connectMenu() {
+    const auto on = [this](QAction* item, auto method) { connect(item, &QAction::triggered, this, method); };
+    on(menu_.menuOpenSettings, &WindowControl::menuOpenSettings);
+    on(menu_.menuSaveSettings, &WindowControl::menuSaveSettings);
+    on(menu_.doRecordingFileMenu, &WindowControl::doRecordingFileMenu);
+    on(menu_.doStopRecordingFileMenu, &WindowControl::doStopRecordingFileMenu);
+    on(menu_.menuGenerators, &WindowControl::menuGenerators);
+    on(menu_.showHelp, &WindowControl::showHelp);
+    connect(menu_.quit, &QAction::triggered, qApp, [] { QCoreApplication::exit(0); });
+}
+
+bool WindowControl::validateMenuItem(const QAction& item) const {
+    const int tag = item.property("tag").toInt();
+    if (tag == kStartRecordingTag)
+        return !recorder_.isRecording();
+    if (tag == kStopRecordingTag)
+        return recorder_.isRecording();
+    return true;
+}
+
+void WindowControl::validateMenu() {
+    for (QAction* item : {menu_.doRecordingFileMenu, menu_.doStopRecordingFileMenu})
+        item->setEnabled(validateMenuItem(*item));
+}
+
+void WindowControl::GetSoundDevices() {
+    devices_.GetSoundDevices(system_, AudioDeviceTable::Variant::Generator);
+}
+
+void WindowControl::SetSoundDevices() {
+    setItems(*outputPopup_, devices_.outputTitles());
+}
+
+void WindowControl::startSound() {
+    output_.startSound(outputPopup_->currentIndex());
+}
+
+void WindowControl::stopSound() {
+    output_.stopSound();
+}
+
+void WindowControl::doInputDevice() {
+    stopSound();
+    startSound();
+    status_->showOutput(output_.state());
+}
+
+void WindowControl::syncPhases() {
+    render_.syncPhases();
+}
+
+void WindowControl::menuGenerators() {
+    window_->show();
+    window_->raise();
+    window_->activateWindow();
+}
+
+void WindowControl::HalfSecTimer() {
+    panel_->poll();
+    if (!recorder_.flush())
+        status_->showNotice(tr("%1 cannot be written: is the disk full?").arg(recordingName_));
+    showRecordingState();
+    status_->showOutput(output_.state());
+}
+
+void WindowControl::showRecordingState() {
+    status_->showRecording(recorder_.isRecording() ? recordingName_ : QString(), recorder_.seconds());
+}
+
+void WindowControl::menuSaveSettings() {
+    if (const auto path = askForFileToSave(window_.get(), tr("Settings file to save")))
+        writeSettings(*path);
+}
+
+void WindowControl::writeSettings(const QString& path) {
+    SettingsOfAll all{};
+    for (int slot = 0; slot < kGeneratorCount; ++slot)
+        all[static_cast<std::size_t>(slot)] = panel_->slotSettings(slot);
+    const auto block = encodeSettingsFile(all);
+    QSaveFile file(path);
+    const bool written = file.open(QIODevice::WriteOnly) &&
+                         file.write(reinterpret_cast<const char*>(block.data()), block.size()) ==
+                             static_cast<qint64>(block.size()) &&
+                         file.commit();
+    const QString name = QFileInfo(path).fileName();
+    status_->showNotice(written ? tr("Settings saved to %1").arg(name)
+                                : tr("%1 cannot be written: %2").arg(name, file.errorString()));
+}
+
+void WindowControl::menuOpenSettings() {
+    if (const auto path = askForFileToOpen(window_.get(), tr("Settings file to open")))
+        openSettings(*path);
+    syncPhases();
+}
+
+void WindowControl::openSettings(const QString& path) {
+    systemLog("%s", qUtf8Printable(path));
+    QFile file(path);
+    const bool opened = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
+    const QByteArray block = opened ? file.read(static_cast<qint64>(kSettingsFileBytes)) : QByteArray();
+    systemLog("%d", static_cast<int>(opened ? file.size() : 0));
+    const auto all =
+        decodeSettingsFile(std::as_bytes(std::span(block.data(), static_cast<std::size_t>(block.size()))));
+    for (int slot = 0; slot < kGeneratorCount; ++slot)
+        panel_->setSlot(slot, all[static_cast<std::size_t>(slot)]);
+    const QString name = QFileInfo(path).fileName();
+    if (!opened)
+        status_->showNotice(tr("%1 cannot be read: %2").arg(name, file.errorString()));
+    else if (block.size() < static_cast<qint64>(kSettingsFileBytes))
+        status_->showNotice(tr("%1 is too short for a settings file: the rest counts as zero").arg(name));
+    else
+        status_->showNotice(tr("Settings opened from %1").arg(name));
+}
+
+void WindowControl::doRecordingFileMenu() {
+    const auto path = askForFileToSave(window_.get(), tr("Choose file to save recording to"),
+                                       tr("WAV files (*.wav *.WAV)"), QStringLiteral("wav"));
+    if (path)
+        startRecording(*path);
+}
+
+bool WindowControl::startRecording(const QString& path) {
+    recordingName_ = QFileInfo(path).fileName();
+    const bool started = recorder_.start(path.toStdU16String());
+    if (started)
+        status_->clearNotice();
+    else
+        status_->showNotice(tr("%1 cannot be created").arg(recordingName_));
+    validateMenu();
+    showRecordingState();
+    return started;
+}
+
+void WindowControl::doStopRecordingFileMenu() {
+    const bool written = recorder_.stop();
+    status_->showNotice(written ? tr("Recorded %1").arg(recordingName_)
+                                : tr("%1 could not be written completely").arg(recordingName_));
+    validateMenu();
+    showRecordingState();
+}
+
+void WindowControl::showHelp() {
+    const QString manual = resourcePath(QStringLiteral("Sonotrace Docs.pdf"));
+    if (manual.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(manual)))
+        status_->showNotice(manual.isEmpty() ? tr("The manual is not installed")
+                                             : tr("No document viewer opens %1").arg(manual));
+}
+
+void WindowControl::applicationWillTerminate() {
+    for (int slot = 0; slot < kGeneratorCount; ++slot)
+        saveGeneratorSlot(preferences_, slot, panel_->slotSettings(slot));
+    preferences_.setInteger(kOutputKey, outputPopup_->currentIndex());
+    preferences_.setFrame(*window_, kFrameKey);
+    if (!preferences_.synchronise())
+        systemLog("The preferences cannot be written");
+    systemLog("applicationWillTerminate");
+}
+
+} // namespace sonotrace

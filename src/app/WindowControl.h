@@ -1,0 +1,96 @@
+#pragma once
+
+#include "app/MainMenu.h"
+#include "app/Preferences.h"
+#include "app/QtRunLoop.h"
+#include "audio/AudioDeviceTable.h"
+#include "generator/GeneratorBank.h"
+#include "generator/OutputRender.h"
+#include "generator/OutputStream.h"
+#include "generator/SineTable.h"
+#include "generator/SweepParameters.h"
+#include "generator/WavRecorder.h"
+#include "platform/SoundSystem.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <memory>
+
+class QComboBox;
+class QMainWindow;
+
+namespace sonotrace {
+
+class GeneratorPanel;
+class StatusLine;
+
+/// The main controller: owns the generator window, the generators and their output stream, creates the tool
+/// windows on demand and keeps house twice a second. Window thread.
+class WindowControl : public QObject {
+    Q_OBJECT
+
+public:
+    /// `system` and `preferences` outlive the controller.
+    WindowControl(SoundSystem& system, Preferences& preferences);
+    ~WindowControl() override;
+
+    /// Starts up: restores the bank, builds the window, starts the output. Once.
+    void awakeFromNib();
+
+    /// Writes the state of the generator window into the preferences.
+    void applicationWillTerminate();
+
+    /// Opens a settings file without asking; what cannot be read counts as zeros and is said in the status
+    /// bar.
+    void openSettings(const QString& path);
+
+    /// Starts a recording without asking. False when the file cannot be created.
+    bool startRecording(const QString& path);
+
+    QMainWindow& window() { return *window_; }
+    QueueState outputState() const { return output_.state(); }
+
+public Q_SLOTS:
+    void menuGenerators();
+    void menuOpenSettings();
+    void menuSaveSettings();
+    void doRecordingFileMenu();
+    void doStopRecordingFileMenu();
+    void showHelp();
+    void doInputDevice();
+    void syncPhases();
+    void HalfSecTimer();
+
+private:
+    void buildWindow();
+    void connectMenu();
+    void validateMenu();
+    bool validateMenuItem(const QAction& item) const;
+    void GetSoundDevices();
+    void SetSoundDevices();
+    void startSound();
+    void stopSound();
+    void writeSettings(const QString& path);
+    void showRecordingState();
+
+    SoundSystem& system_;
+    Preferences& preferences_;
+    const SineTable sineTable_;
+    GeneratorBank bank_;
+    SweepParameters sweep_;
+    WavRecorder recorder_;
+    OutputRender render_;
+    AudioDeviceTable devices_;
+    OutputStream output_;
+
+    const std::unique_ptr<QMainWindow> window_;
+    MainMenu menu_{};
+    GeneratorPanel* panel_ = nullptr;
+    QComboBox* outputPopup_ = nullptr;
+    StatusLine* status_ = nullptr;
+    QTimer ourTimer_;
+    QString recordingName_;
+};
+
+} // namespace sonotrace

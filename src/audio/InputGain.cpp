@@ -1,0 +1,37 @@
+#include "audio/InputGain.h"
+
+#include "platform/SystemLog.h"
+
+namespace sonotrace {
+
+AudioDeviceID InputGain::device(int popupIndex) const {
+    const bool exists = popupIndex >= 0 && static_cast<std::size_t>(popupIndex) < devices_.deviceIds.size();
+    return exists ? devices_.deviceIds[static_cast<std::size_t>(popupIndex)] : 0;
+}
+
+bool InputGain::SetInputGainSliderVisibility(int popupIndex) {
+    const bool has = system_.hasInputVolume(device(popupIndex), 1);
+    systemLog(has ? "AudioObjectHasProperty YES making slider visible"
+                  : "AudioObjectHasProperty NO making slider invisible");
+    return has;
+}
+
+void InputGain::SetInputGain(int popupIndex, float gain) {
+    const AudioDeviceID id = device(popupIndex);
+    systemLog(system_.hasInputVolume(id, 1) ? "AudioObjectHasProperty YES" : "AudioObjectHasProperty NO");
+    for (const std::uint32_t channel : {1U, 2U}) {
+        const Status status = system_.setInputVolume(id, channel, gain);
+        systemLog("%d AudioObjectSetPropertyData %d", static_cast<int>(id), status);
+    }
+}
+
+float InputGain::NewGetVolumeScalar(AudioDeviceID device, std::uint32_t channel) {
+    systemLog(system_.hasInputVolume(device, channel) ? "AudioObjectHasProperty YES"
+                                                      : "AudioObjectHasProperty NO");
+    float volume = 0.0F;
+    const Status status = system_.getInputVolume(device, channel, volume);
+    systemLog("NewGetVolumeScalar: %d", status);
+    return status == kNoError ? volume : 0.0F;
+}
+
+} // namespace sonotrace

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "audio/AudioDeviceTable.h"
+#include "platform/SoundSystem.h"
+
+namespace sonotrace {
+
+/// The recording volume of an input window's device, set in the device itself.
+///
+/// The device is the one at the pop-up's index in the table of all devices, not by way of the map of inputs.
+/// The platform layer lists inputs first, which makes it the device that is recorded. Window thread.
+class InputGain {
+public:
+    InputGain(SoundSystem& system, const AudioDeviceTable& devices) : system_(system), devices_(devices) {}
+
+    /// Whether the device has a volume to set, and with it whether the slider is of use.
+    bool SetInputGainSliderVisibility(int popupIndex);
+
+    /// Writes the gain, 0 to 1, to the device's first two input channels. Failures are only logged.
+    void SetInputGain(int popupIndex, float gain);
+
+    /// The device's input volume; 0 when it cannot be read.
+    float NewGetVolumeScalar(AudioDeviceID device, std::uint32_t channel);
+
+private:
+    AudioDeviceID device(int popupIndex) const;
+
+    SoundSystem& system_;
+    const AudioDeviceTable& devices_;
+};
+
+} // namespace sonotrace

@@ -1,0 +1,78 @@
+#include "audio/InputSource.h"
+
+#include "platform/SystemLog.h"
+#include "widgets/PopUp.h"
+#include "widgets/RealSlider.h"
+#include "widgets/StreamText.h"
+
+#include <QLabel>
+
+#include <utility>
+
+namespace sonotrace {
+
+InputSource::InputSource(SoundSystem& system, AudioDeviceTable::Variant devices,
+                         const CaptureVariant& variant, const InputControls& controls,
+                         CaptureStream::Capture capture)
+    : system_(system),
+      variant_(devices),
+      controls_(controls),
+      gain_(system, devices_),
+      stream_(system, devices_, variant, std::move(capture)) {
+    controls_.inputStatus->setTextFormat(Qt::PlainText);
+    // `activated`, not a change of index: filling the pop-up is not the user choosing a device.
+    connect(controls_.inputPopup, &QComboBox::activated, this, &InputSource::doInputDevice);
+    connect(controls_.soundInputVolume2, &RealSlider::valueEdited, this, &InputSource::setSoundInputVolume);
+}
+
+void InputSource::GetSoundDevices() {
+    devices_.GetSoundDevices(system_, variant_);
+}
+
+void InputSource::SetSoundDevices() {
+    setItems(*controls_.inputPopup, devices_.inputTitles());
+}
+
+void InputSource::startSound() {
+    stream_.startSound(controls_.inputPopup->currentIndex());
+    SetInputGainSliderVisibility();
+    SetInputGain(sliderGain());
+    showState();
+}
+
+void InputSource::doInputDevice() {
+    stopSound();
+    startSound();
+    Q_EMIT deviceChanged();
+}
+
+float InputSource::sliderGain() const {
+    const auto value = static_cast<float>(controls_.soundInputVolume2->doubleValue());
+    return static_cast<float>(static_cast<double>(value) * 0.001);
+}
+
+void InputSource::setSoundInputVolume() {
+    const RealSlider& slider = *controls_.soundInputVolume2;
+    SetInputGain(sliderGain());
+    const QByteArray name = slider.objectName().toUtf8();
+    systemLog("soundInputVolume2 %s = %g", name.constData(), slider.doubleValue());
+    systemLog("sender %s = %g", name.constData(), slider.doubleValue());
+}
+
+void InputSource::SetInputGainSliderVisibility() {
+    controls_.soundInputVolume2->setEnabled(
+        gain_.SetInputGainSliderVisibility(controls_.inputPopup->currentIndex()));
+}
+
+void InputSource::SetInputGain(float gain) {
+    gain_.SetInputGain(controls_.inputPopup->currentIndex(), gain);
+}
+
+void InputSource::showState() {
+    const QString text =
+        controls_.inputPopup->count() == 0 ? tr("There is no input device") : describeStream(stream_.state());
+    controls_.inputStatus->setText(text);
+    controls_.inputStatus->setToolTip(text);
+}
+
+} // namespace sonotrace

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "audio/AudioDeviceTable.h"
+#include "audio/CaptureStream.h"
+#include "audio/InputGain.h"
+
+#include <QObject>
+
+class QComboBox;
+class QLabel;
+
+namespace sonotrace {
+
+class RealSlider;
+
+/// The controls of an input tool that choose what it listens to.
+struct InputControls {
+    QComboBox* inputPopup;
+    RealSlider* soundInputVolume2; ///< thousandths of the device's full volume
+    QLabel* inputStatus;           ///< what is being listened to, or what is wrong
+};
+
+/// What the three input tools share: the device table and its pop-up, the input volume, the capture stream.
+/// Window thread.
+class InputSource : public QObject {
+    Q_OBJECT
+
+public:
+    /// `system` and the controls outlive the source.
+    InputSource(SoundSystem& system, AudioDeviceTable::Variant devices, const CaptureVariant& variant,
+                const InputControls& controls, CaptureStream::Capture capture);
+
+    void GetSoundDevices();
+    void SetSoundDevices();
+
+    /// Starts listening to the selected device and sends it the slider's volume.
+    void startSound();
+    void stopSound() { stream_.stopSound(); }
+
+    /// Peak level of the first channel, 0 to 1.
+    float peakLevel() { return stream_.peakLevel(); }
+
+    /// Says in the window what is listened to. To be called a few times a second.
+    void showState();
+
+    const AudioDeviceTable& devices() const { return devices_; }
+
+Q_SIGNALS:
+    /// The user has chosen another device, which is being listened to now.
+    void deviceChanged();
+
+private:
+    void doInputDevice();
+    void setSoundInputVolume();
+    void SetInputGainSliderVisibility();
+    void SetInputGain(float gain);
+    float sliderGain() const;
+
+    SoundSystem& system_;
+    const AudioDeviceTable::Variant variant_;
+    const InputControls controls_;
+    AudioDeviceTable devices_;
+    InputGain gain_;
+    CaptureStream stream_;
+};
+
+} // namespace sonotrace

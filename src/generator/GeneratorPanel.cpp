@@ -1,0 +1,201 @@
+#include "generator/GeneratorPanel.h"
+
+#include "generator/Waveforms.h"
+#include "platform/Numbers.h"
+#include "platform/SystemLog.h"
+#include "widgets/NumberField.h"
+#include "widgets/PopUp.h"
+#include "widgets/RealSlider.h"
+
+#include <QCheckBox>
+#include <QLabel>
+
+#include <algorithm>
+
+namespace sonotrace {
+
+namespace {
+
+constexpr int kFirstRowY = 40;
+constexpr int kRowHeight = 30;
+constexpr int kCaptionY = 20;
+constexpr int kPanelWidth = 750;
+
+constexpr int kEnabledTag = 100;
+constexpr int kWaveformTag = 200;
+constexpr int kFrequencyTag = 300;
+constexpr int kPhaseTag = 400;
+constexpr int kVolumeLeftTag = 500;
+constexpr int kVolumeRightTag = 600;
+
+int rowY(int slot) {
+    return kFirstRowY + kRowHeight * slot;
+}
+
+QString fixedPoint(double value) {
+    return QString::asprintf("%-8.2f", value);
+}
+
+QString percent(double volume) {
+    return QString::number(truncateToInt32(volume * 100.0));
+}
+
+/// Names, tags and describes a control of row `slot`.
+void introduce(QWidget& control, const char* name, int slot, int tag, const QString& title,
+               const QString& tip) {
+    control.setObjectName(QLatin1String(name) + QString::number(slot));
+    if (tag != 0)
+        control.setProperty("tag", tag);
+    control.setAccessibleName(QObject::tr("Generator %1 %2").arg(slot + 1).arg(title));
+    control.setAccessibleDescription(tip);
+    control.setToolTip(tip);
+}
+
+} // namespace
+
+GeneratorPanel::GeneratorPanel(GeneratorBank& bank, QWidget* parent) : WindowView(parent), bank_(bank) {
+    setFixedSize(kPanelWidth, rowY(kGeneratorCount));
+}
+
+void GeneratorPanel::BuildControls() {
+    for (int slot = 0; slot < kGeneratorCount; ++slot) {
+        const GeneratorSettings values = bank_.slots[static_cast<std::size_t>(slot)].load();
+        systemLog("%d %d %d %g %g %g %g", slot, values.enabled, values.waveform,
+                  static_cast<double>(static_cast<float>(values.frequency)),
+                  static_cast<double>(static_cast<float>(values.phase)),
+                  static_cast<double>(static_cast<float>(values.volumeLeft)),
+                  static_cast<double>(static_cast<float>(values.volumeRight)));
+    }
+    for (int slot = 0; slot < kGeneratorCount; ++slot)
+        buildRow(slot, bank_.slots[static_cast<std::size_t>(slot)].load());
+    placeCaptions();
+    systemLog("BuildControls");
+}
+
+void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
+    const int y = rowY(slot);
+    Row& controls = row(slot);
+
+    controls.enabled = new QCheckBox(this);
+    controls.enabled->setGeometry(14, y, 40, 20);
+    controls.enabled->setChecked(settings.enabled > 0);
+    introduce(*controls.enabled, "enabled", slot, kEnabledTag + slot, tr("on"),
+              tr("Switches the generator on. All generators that are on share the full scale between them."));
+
+    controls.waveform = new QComboBox(this);
+    controls.waveform->setGeometry(64, y, 110, 25);
+    setItems(*controls.waveform, waveformTitles());
+    selectItem(*controls.waveform, settings.waveform);
+    introduce(*controls.waveform, "waveform", slot, kWaveformTag + slot, tr("waveform"),
+              tr("Shape of the signal"));
+
+    controls.frequency = new NumberField(this);
+    controls.frequency->setGeometry(200, y, 85, 20);
+    controls.frequency->setAlignment(Qt::AlignLeft);
+    controls.frequency->setText(fixedPoint(settings.frequency));
+    introduce(*controls.frequency, "frequency", slot, kFrequencyTag + slot, tr("frequency"),
+              tr("Frequency in Hz, 0.1 to 22000"));
+
+    controls.phase = new NumberField(this);
+    controls.phase->setGeometry(300, y, 85, 20);
+    controls.phase->setAlignment(Qt::AlignLeft);
+    controls.phase->setText(fixedPoint(settings.phase));
+    introduce(*controls.phase, "phase", slot, kPhaseTag + slot, tr("phase"),
+              tr("Phase in degrees, -360 to 360"));
+
+    controls.volumeLeft = volumeSlider(slot, kVolumeLeftTag + slot, 400, tr("left"), settings.volumeLeft);
+    controls.readoutLeft = readout(slot, 525, tr("left"), settings.volumeLeft);
+    controls.volumeRight = volumeSlider(slot, kVolumeRightTag + slot, 570, tr("right"), settings.volumeRight);
+    controls.readoutRight = readout(slot, 695, tr("right"), settings.volumeRight);
+}
+
+RealSlider* GeneratorPanel::volumeSlider(int slot, int tag, int x, const QString& channel, double volume) {
+    auto* slider = new RealSlider(this);
+    slider->setGeometry(x, rowY(slot), 125, 25);
+    slider->setDoubleValue(volume);
+    introduce(*slider, tag >= kVolumeRightTag ? "volumeRight" : "volumeLeft", slot, tag,
+              tr("%1 volume").arg(channel),
+              tr("Volume of the %1 channel, 0 to 100 % of the generator's share").arg(channel));
+    connect(slider, &RealSlider::valueEdited, this, [this, slider] { volSliderEvent(*slider); });
+    return slider;
+}
+
+QLabel* GeneratorPanel::readout(int slot, int x, const QString& channel, double volume) {
+    auto* label = new QLabel(percent(volume), this);
+    label->setGeometry(x, rowY(slot) + 3, 40, 20);
+    introduce(*label, x > 600 ? "readoutRight" : "readoutLeft", slot, 0,
+              tr("%1 volume in per cent").arg(channel),
+              tr("Volume of the %1 channel in per cent").arg(channel));
+    return label;
+}
+
+void GeneratorPanel::placeCaptions() {
+    const struct {
+        const char* name;
+        QString text;
+        int x;
+    } captions[] = {{"labelEnabled", tr("On"), 14},           {"labelType", tr("Waveform"), 64},
+                    {"labelFreq", tr("Frequency, Hz"), 200},  {"labelPhase", tr("Phase, °"), 300},
+                    {"labelLeft", tr("Left volume, %"), 400}, {"labelRight", tr("Right volume, %"), 570}};
+    for (const auto& caption : captions) {
+        auto* label = new QLabel(caption.text, this);
+        label->setObjectName(QLatin1String(caption.name));
+        label->adjustSize();
+        label->move(caption.x, kCaptionY);
+    }
+}
+
+void GeneratorPanel::volSliderEvent(const RealSlider& sender) {
+    const int tag = sender.property("tag").toInt();
+    systemLog("volSliderEvent %d", tag);
+    for (int slot = 0; slot < kGeneratorCount; ++slot) {
+        GeneratorSlot& values = bank_.slots[static_cast<std::size_t>(slot)];
+        const double volume = sender.doubleValue();
+        if (tag == kVolumeLeftTag + slot) {
+            values.volumeLeft.store(volume, std::memory_order_relaxed);
+            row(slot).readoutLeft->setText(percent(volume));
+        }
+        if (tag == kVolumeRightTag + slot) {
+            values.volumeRight.store(volume, std::memory_order_relaxed);
+            row(slot).readoutRight->setText(percent(volume));
+        }
+    }
+}
+
+void GeneratorPanel::poll() {
+    for (int slot = 0; slot < kGeneratorCount; ++slot) {
+        const Row& controls = row(slot);
+        GeneratorSlot& values = bank_.slots[static_cast<std::size_t>(slot)];
+        values.enabled.store(controls.enabled->isChecked() ? 1 : 0, std::memory_order_relaxed);
+        values.waveform.store(controls.waveform->currentIndex(), std::memory_order_relaxed);
+        values.frequency.store(std::clamp(controls.frequency->doubleValue(), 0.1, 22000.0),
+                               std::memory_order_relaxed);
+        values.phase.store(std::clamp(controls.phase->doubleValue(), -360.0, 360.0),
+                           std::memory_order_relaxed);
+    }
+}
+
+void GeneratorPanel::setSlot(int slot, const GeneratorSettings& settings) {
+    const Row& controls = row(slot);
+    controls.frequency->setDoubleValue(settings.frequency);
+    controls.phase->setDoubleValue(settings.phase);
+    controls.volumeLeft->setDoubleValue(settings.volumeLeft);
+    controls.volumeRight->setDoubleValue(settings.volumeRight);
+    selectItem(*controls.waveform, settings.waveform);
+    controls.enabled->setChecked(settings.enabled > 0);
+    bank_.slots[static_cast<std::size_t>(slot)].store(settings);
+    controls.readoutLeft->setText(percent(settings.volumeLeft));
+    controls.readoutRight->setText(percent(settings.volumeRight));
+}
+
+GeneratorSettings GeneratorPanel::slotSettings(int slot) const {
+    GeneratorSettings settings = bank_.slots[static_cast<std::size_t>(slot)].load();
+    settings.enabled = isEnabled(slot) ? 1 : 0;
+    return settings;
+}
+
+bool GeneratorPanel::isEnabled(int slot) const {
+    return row(slot).enabled->isChecked();
+}
+
+} // namespace sonotrace

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "platform/SoundSystem.h"
+#include "platform/pulse/PulseConnection.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace sonotrace {
+
+/// A sink or source of the server.
+struct PulseDevice {
+    AudioDeviceID id = 0;
+    std::string name;        ///< the server's, persistent
+    std::string description; ///< for people
+    std::uint32_t channels = 0;
+    bool isSource = false;
+    bool isMonitor = false;
+    pa_cvolume volume{};
+};
+
+/// Watches the server's devices over a connection of its own and answers from memory, so that nobody waits
+/// for the server. Devices are listed, never opened. All methods are for the window thread.
+class PulseDevices {
+public:
+    PulseDevices();
+    ~PulseDevices();
+
+    /// Waits until the devices are known, at most `patience`.
+    bool waitUntilKnown(std::chrono::milliseconds patience);
+
+    /// What the server calls itself; empty while it is not known.
+    std::string serverName();
+
+    /// In the order in which the windows offer them.
+    std::vector<PulseDevice> devices();
+
+    /// Description of the device that the server calls `name`; the name itself when there is none.
+    std::string description(const std::string& name);
+
+    /// Sets one channel (from 0) of a source's volume.
+    Status setVolume(AudioDeviceID id, std::uint32_t channel, pa_volume_t volume);
+
+private:
+    struct List; ///< what one round of questions to the server has brought so far
+
+    void ask(pa_context& context);
+    void askAgain();
+    void add(PulseDevice device);
+    void finish();
+    AudioDeviceID idOf(const PulseDevice& device);
+
+    // The connection's thread only.
+    std::unique_ptr<List> list_;
+    bool outdated_ = false; ///< something changed while the server was being asked
+
+    // Shared with the window thread, under the mutex.
+    std::mutex mutex_;
+    std::condition_variable knownChanged_;
+    bool known_ = false;
+    std::string serverName_;
+    std::vector<PulseDevice> devices_;
+    std::map<std::string, AudioDeviceID> ids_; ///< by direction and name: indices are reused and shared
+    std::uint64_t volumeChanges_ = 0;          ///< made by us
+
+    PulseConnection connection_;
+};
+
+} // namespace sonotrace

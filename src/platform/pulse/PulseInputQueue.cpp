@@ -1,0 +1,83 @@
+#include "platform/pulse/PulseInputQueue.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace sonotrace {
+
+namespace {
+constexpr std::uint32_t kFragmentFrames =
+    1102; // 25 ms, so that the level meter moves between two full buffers
+}
+
+Status PulseInputQueue::enableLevelMetering(bool enabled) {
+    const PulseLock lock(loop());
+    metering_ = enabled;
+    return kNoError;
+}
+
+Status PulseInputQueue::currentLevelMeter(std::span<LevelMeter> channels) {
+    const PulseLock lock(loop());
+    level_.read(channels);
+    return kNoError;
+}
+
+int PulseInputQueue::connectStream(pa_stream& stream, const char* device) {
+    fragmentPosition_ = 0;
+    pa_stream_set_read_callback(&stream, &PulseQueue::onTransfer, static_cast<PulseQueue*>(this));
+    pa_buffer_attr attributes;
+    attributes.maxlength = static_cast<std::uint32_t>(format_.sampleRate) * format_.bytesPerFrame;
+    attributes.tlength = static_cast<std::uint32_t>(-1);
+    attributes.prebuf = static_cast<std::uint32_t>(-1);
+    attributes.minreq = static_cast<std::uint32_t>(-1);
+    attributes.fragsize = kFragmentFrames * format_.bytesPerFrame;
+    constexpr int kFlags = PA_STREAM_ADJUST_LATENCY | PA_STREAM_START_UNMUTED;
+    return pa_stream_connect_record(&stream, device, &attributes, static_cast<pa_stream_flags_t>(kFlags));
+}
+
+void PulseInputQueue::transfer(pa_stream& stream) {
+    for (;;) {
+        const void* data = nullptr;
+        std::size_t bytes = 0;
+        if (pa_stream_peek(&stream, &data, &bytes) < 0 || bytes == 0)
+            return;
+        const auto* const samples = static_cast<const std::int16_t*>(data); // null for a hole
+        if (fragmentPosition_ == 0) {
+            if (!samples)
+                ++underruns_;
+            else if (metering_)
+                level_.add({samples, bytes / sizeof(std::int16_t)});
+        }
+        fragmentPosition_ += store(samples, bytes);
+        if (fragmentPosition_ < bytes)
+            return; // no buffer to fill: goes on when one is enqueued
+        fragmentPosition_ = 0;
+        pa_stream_drop(&stream);
+    }
+}
+
+/// Fills enqueued buffers from where the fragment was left and delivers the full ones. The bytes stored.
+std::size_t PulseInputQueue::store(const std::int16_t* samples, std::size_t bytes) {
+    std::size_t stored = 0;
+    while (fragmentPosition_ + stored < bytes && !queued_.empty()) {
+        AudioQueueBuffer& buffer = *queued_.front();
+        const std::size_t from = fragmentPosition_ + stored;
+        const std::size_t count = std::min<std::size_t>(bytes - from, buffer.byteCapacity - bufferPosition_);
+        auto* const to = reinterpret_cast<std::byte*>(buffer.samples.get()) + bufferPosition_;
+        if (samples)
+            std::memcpy(to, reinterpret_cast<const std::byte*>(samples) + from, count);
+        else
+            std::memset(to, 0, count);
+        stored += count;
+        bufferPosition_ += count;
+        if (bufferPosition_ == buffer.byteCapacity) {
+            bufferPosition_ = 0;
+            buffer.byteSize = buffer.byteCapacity;
+            queued_.pop_front();
+            delivery_.deliver(buffer);
+        }
+    }
+    return stored;
+}
+
+} // namespace sonotrace

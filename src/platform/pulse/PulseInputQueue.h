@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/LevelAccumulator.h"
+#include "platform/pulse/PulseQueue.h"
+
+namespace sonotrace {
+
+/// Captures. Data for which no buffer is enqueued waits in the client library, for about a second; what the
+/// library or the server had to drop comes as a hole, which is filled with silence so that time stays true.
+class PulseInputQueue : public PulseQueue {
+public:
+    PulseInputQueue(PulseDevices& devices, const StreamDescription& format, Callback callback,
+                    const QueueOptions& options)
+        : PulseQueue(devices, format, std::move(callback), options) {}
+    ~PulseInputQueue() override { stop(); }
+
+    Status enableLevelMetering(bool enabled) override;
+    Status currentLevelMeter(std::span<LevelMeter> channels) override;
+
+protected:
+    int connectStream(pa_stream& stream, const char* device) override;
+    void streamReady(pa_stream&) override {}
+    void transfer(pa_stream& stream) override;
+
+private:
+    std::size_t store(const std::int16_t* samples, std::size_t bytes);
+
+    std::size_t fragmentPosition_ = 0; ///< bytes of the stream's next fragment that are stored already
+    std::size_t bufferPosition_ = 0;   ///< bytes of the first queued buffer that are filled
+    bool metering_ = false;
+    LevelAccumulator level_;
+};
+
+} // namespace sonotrace

@@ -1,0 +1,66 @@
+#pragma once
+
+#include "platform/AudioQueue.h"
+#include "platform/CallbackDelivery.h"
+#include "platform/SoundSystem.h"
+#include "platform/pulse/PulseConnection.h"
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace sonotrace {
+
+class PulseDevices;
+
+/// What output and input queues on the sound server have in common: the stream's life, the buffers, the
+/// state. Each queue has a connection of its own, whose lock guards everything in it.
+class PulseQueue : public AudioQueue {
+public:
+    ~PulseQueue() override;
+
+    Status setCurrentDevice(const std::string& uid) override;
+    Status allocateBuffer(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) override;
+    Status enqueueBuffer(AudioQueueBuffer& buffer) override;
+    Status start() override;
+    Status stop() override;
+    Status dispose() override;
+    QueueState state() const override;
+
+protected:
+    PulseQueue(PulseDevices& devices, const StreamDescription& format, Callback callback,
+               const QueueOptions& options);
+
+    /// Connects a new stream to `device`, null for the server's default. Negative on failure.
+    virtual int connectStream(pa_stream& stream, const char* device) = 0;
+    /// A new stream has begun to run.
+    virtual void streamReady(pa_stream& stream) = 0;
+    /// The stream can be written or read, or the user has enqueued a buffer.
+    virtual void transfer(pa_stream& stream) = 0;
+
+    pa_threaded_mainloop* loop() const { return connection_.loop(); }
+    static void onTransfer(pa_stream*, std::size_t, void* self);
+
+    PulseDevices& devices_;
+    const StreamDescription format_;
+    CallbackDelivery delivery_;
+    std::deque<AudioQueueBuffer*> queued_; ///< enqueued, the oldest first
+    std::uint64_t underruns_ = 0;
+
+private:
+    void openStream();
+    void closeStream();
+    void onStreamState();
+    void onMoved();
+
+    const std::string streamName_;
+    std::string device_;     ///< the server's name of the device asked for; empty for its default
+    bool anyDevice_ = false; ///< the device asked for is not there: the default will do
+    std::vector<std::unique_ptr<AudioQueueBuffer>> buffers_;
+    QueueState state_;
+    PulseStream stream_;
+    PulseConnection connection_;
+};
+
+} // namespace sonotrace

@@ -1,0 +1,75 @@
+#include "widgets/LevelIndicator.h"
+
+#include "widgets/LevelScale.h"
+
+#include <QPainter>
+
+namespace sonotrace {
+
+namespace {
+
+constexpr double kWarning = -12.0; // dB, where the bar turns from green to amber
+constexpr double kAlarm = -1.0;    // dB, and to red: what comes next wraps or clips
+
+const QColor kQuiet(0x2e, 0xa0, 0x43);
+const QColor kLoud(0xd2, 0x99, 0x22);
+const QColor kTooLoud(0xda, 0x36, 0x33);
+
+QString readout(double peak) {
+    const double decibels = decibelsOfPeak(peak);
+    return decibels < kLevelScaleFloor ? QStringLiteral("−∞ dB")
+                                       : QStringLiteral("%1 dB").arg(decibels, 0, 'f', 1);
+}
+
+} // namespace
+
+LevelIndicator::LevelIndicator(QWidget* parent) : QWidget(parent) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void LevelIndicator::setDoubleValue(double value) {
+    if (value == value_)
+        return;
+    value_ = value;
+    setAccessibleDescription(tr("Input level, %1").arg(readout(value_)));
+    update();
+}
+
+QSize LevelIndicator::sizeHint() const {
+    const QFontMetrics metrics = fontMetrics();
+    return {metrics.horizontalAdvance(QStringLiteral("-00.0 dB")) * 3, metrics.height() + 4};
+}
+
+QSize LevelIndicator::minimumSizeHint() const {
+    const QFontMetrics metrics = fontMetrics();
+    return {metrics.horizontalAdvance(QStringLiteral("-00.0 dB")) * 2, metrics.height() + 4};
+}
+
+void LevelIndicator::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const int textWidth = fontMetrics().horizontalAdvance(QStringLiteral("-00.0 dB ")) + 4;
+    const QRectF bar(0.5, 2.5, std::max(1, width() - textWidth) - 1, height() - 5);
+    painter.fillRect(bar, palette().color(QPalette::Base));
+
+    const double decibels = decibelsOfPeak(value_);
+    const struct {
+        double from, to;
+        const QColor& colour;
+    } zones[] = {{kLevelScaleFloor, kWarning, kQuiet}, {kWarning, kAlarm, kLoud}, {kAlarm, 0.0, kTooLoud}};
+    for (const auto& zone : zones) {
+        const double left = bar.left() + bar.width() * levelPosition(zone.from);
+        const double right = bar.left() + bar.width() * levelPosition(std::min(zone.to, decibels));
+        if (right > left)
+            painter.fillRect(QRectF(left, bar.top(), right - left, bar.height()), zone.colour);
+    }
+    painter.setPen(palette().color(QPalette::Mid));
+    for (double tick = kLevelScaleFloor; tick < 0.0; tick += 12.0) {
+        const double x = std::round(bar.left() + bar.width() * levelPosition(tick)) + 0.5;
+        painter.drawLine(QPointF(x, bar.bottom() - 3), QPointF(x, bar.bottom()));
+    }
+    painter.drawRect(bar);
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawText(rect(), Qt::AlignRight | Qt::AlignVCenter, readout(value_));
+}
+
+} // namespace sonotrace

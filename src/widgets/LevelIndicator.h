@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QWidget>
+
+namespace sonotrace {
+
+/// A horizontal peak meter. The value is linear, 0 to 1; the bar shows it in decibels, from -60 dB to full
+/// scale.
+class LevelIndicator : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit LevelIndicator(QWidget* parent = nullptr);
+
+    double doubleValue() const { return value_; }
+
+    /// Shows a peak, 0 to 1.
+    void setDoubleValue(double value);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    double value_ = 0.0;
+};
+
+} // namespace sonotrace

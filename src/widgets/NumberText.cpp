@@ -1,0 +1,61 @@
+#include "widgets/NumberText.h"
+
+#include <charconv>
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace sonotrace {
+
+namespace {
+
+template <typename Number>
+QString shortest(Number value) {
+    char text[64];
+    const auto [end, error] = std::to_chars(text, text + sizeof text, value);
+    return QString::fromLatin1(text, end - text);
+}
+
+bool beginsNumber(std::string_view text) {
+    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+    if (text.empty())
+        return false;
+    return isDigit(text[0]) || (text[0] == '.' && text.size() > 1 && isDigit(text[1]));
+}
+
+/// Whether an out-of-range number is tiny rather than huge: its exponent says so.
+bool isTiny(std::string_view number) {
+    return number.find("e-") != std::string_view::npos || number.find("E-") != std::string_view::npos ||
+           number.front() == '0' || number.front() == '.';
+}
+
+} // namespace
+
+double numberFromText(const QString& text) {
+    const std::string bytes = text.trimmed().toStdString();
+    std::string_view number = bytes;
+    double sign = 1.0;
+    if (!number.empty() && (number[0] == '+' || number[0] == '-')) {
+        sign = number[0] == '-' ? -1.0 : 1.0;
+        number.remove_prefix(1);
+    }
+    if (!beginsNumber(number)) // from_chars would also take words such as "nan"
+        return 0.0;
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
+    if (error == std::errc::result_out_of_range) {
+        const auto length = static_cast<std::size_t>(end - number.data());
+        value = isTiny(number.substr(0, length)) ? 0.0 : std::numeric_limits<double>::infinity();
+    }
+    return sign * value;
+}
+
+QString textFromNumber(double value) {
+    return shortest(value);
+}
+
+QString textFromNumber(float value) {
+    return shortest(value);
+}
+
+} // namespace sonotrace

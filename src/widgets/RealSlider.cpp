@@ -1,0 +1,56 @@
+#include "widgets/RealSlider.h"
+
+#include "platform/Numbers.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace sonotrace {
+
+namespace {
+constexpr int kSteps = 1000;
+}
+
+RealSlider::RealSlider(QWidget* parent) : RealSlider(Qt::Horizontal, parent) {}
+
+RealSlider::RealSlider(Qt::Orientation orientation, QWidget* parent) : QSlider(orientation, parent) {
+    QSlider::setRange(0, kSteps);
+    setSingleStep(kSteps / 100);
+    setPageStep(kSteps / 10);
+    connect(this, &QSlider::valueChanged, this, [this](int position) {
+        if (showing_)
+            return;
+        value_ = minimum_ + (maximum_ - minimum_) * position / kSteps;
+        Q_EMIT doubleValueChanged(value_);
+        Q_EMIT valueEdited();
+    });
+}
+
+void RealSlider::setMinimumValue(double minimum) {
+    minimum_ = minimum;
+    setDoubleValue(value_);
+}
+
+void RealSlider::setMaximumValue(double maximum) {
+    maximum_ = maximum;
+    setDoubleValue(value_);
+}
+
+std::int32_t RealSlider::integerValue() const {
+    return truncateToInt32(value_);
+}
+
+void RealSlider::setDoubleValue(double value) {
+    value_ = std::isnan(value) ? minimum_ : std::max(minimum_, std::min(value, maximum_));
+    showValue();
+    Q_EMIT doubleValueChanged(value_);
+}
+
+void RealSlider::showValue() {
+    showing_ = true;
+    const double range = maximum_ - minimum_;
+    setValue(range > 0.0 ? static_cast<int>(std::lround((value_ - minimum_) / range * kSteps)) : 0);
+    showing_ = false;
+}
+
+} // namespace sonotrace
