@@ -87,7 +87,8 @@ bool WavRecorder::writeHeader() {
               static_cast<int>(bytes));
     const auto header = wavHeader(kChannels, kRateSelector, kBitsPerSample, bytes);
     return std::fseek(file_.get(), 0, SEEK_SET) == 0 &&
-           std::fwrite(header.data(), 1, header.size(), file_.get()) == header.size();
+           std::fwrite(header.data(), 1, header.size(), file_.get()) == header.size() &&
+           std::fflush(file_.get()) == 0;
 }
 
 void WavRecorder::tap(std::span<const std::int16_t> interleaved) {

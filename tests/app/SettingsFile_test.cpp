@@ -1,0 +1,58 @@
+#include "app/SettingsFile.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+namespace sonotrace {
+namespace {
+
+SettingsOfAll sample() {
+    SettingsOfAll all;
+    for (int i = 0; i < kGeneratorCount; ++i)
+        all[static_cast<std::size_t>(i)] = {1000.1 + i, -0.1 * i, 1.0 / (i + 1), 1e300 * i, i - 1, i % 2};
+    return all;
+}
+
+TEST(SettingsFile, LaysOutSixArraysOfAHundred) {
+    const auto block = encodeSettingsFile(sample());
+    ASSERT_EQ(block.size(), 4000U);
+    const auto real = [&block](std::size_t at) {
+        double value = 0;
+        std::memcpy(&value, &block[at], 8);
+        return value;
+    };
+    const auto integer = [&block](std::size_t at) {
+        std::int32_t value = 0;
+        std::memcpy(&value, &block[at], 4);
+        return value;
+    };
+    EXPECT_EQ(real(0 + 8 * 12), 1012.1);
+    EXPECT_EQ(real(800 + 8 * 3), -0.1 * 3);
+    EXPECT_EQ(real(1600 + 8 * 2), 1.0 / 3);
+    EXPECT_EQ(real(2400 + 8), 1e300);
+    EXPECT_EQ(integer(3200), -1);
+    EXPECT_EQ(integer(3600 + 4 * 11), 1);
+    for (std::size_t i = 8 * 13; i < 800; ++i)
+        ASSERT_EQ(block[i], std::byte{0});
+    // Full scale as another program would write it.
+    EXPECT_EQ(block[1600 + 7], std::byte{0x3F});
+    EXPECT_EQ(block[1600 + 6], std::byte{0xF0});
+}
+
+TEST(SettingsFile, ComesBackToTheBitAndTakesAnyLength) {
+    const auto block = encodeSettingsFile(sample());
+    std::vector<std::byte> bytes(block.begin(), block.end());
+    bytes.resize(1 << 20, std::byte{0xFF});
+    EXPECT_EQ(encodeSettingsFile(decodeSettingsFile(bytes)), block);
+    const auto shorter = decodeSettingsFile(std::span(bytes).first(804)); // half of the first phase
+    EXPECT_EQ(shorter[12].frequency, 1012.1);
+    EXPECT_EQ(shorter[1].phase, 0.0);
+    EXPECT_EQ(shorter[5].volumeLeft, 0.0);
+    EXPECT_EQ(decodeSettingsFile({})[0].frequency, 0.0);
+}
+
+} // namespace
+} // namespace sonotrace
