@@ -12,7 +12,11 @@ PulseQueue::PulseQueue(PulseDevices& devices, const StreamDescription& format, C
       format_(format),
       delivery_(*this, std::move(callback), options.runLoop),
       streamName_(options.streamName),
-      connection_({.connected = [this](pa_context&) { openStream(); },
+      connection_({.connected =
+                       [this](pa_context&) {
+                           fellBack_ = false;
+                           openStream(device_.empty() ? nullptr : device_.c_str());
+                       },
                    .disconnected =
                        [this] {
                            closeStream();
@@ -82,7 +86,7 @@ QueueState PulseQueue::state() const {
     return state;
 }
 
-void PulseQueue::openStream() {
+void PulseQueue::openStream(const char* device) {
     closeStream();
     const pa_sample_spec format{PA_SAMPLE_S16LE, static_cast<std::uint32_t>(format_.sampleRate),
                                 static_cast<std::uint8_t>(format_.channelsPerFrame)};
@@ -99,7 +103,7 @@ void PulseQueue::openStream() {
         stream_.get(), [](pa_stream*, void* self) { static_cast<PulseQueue*>(self)->onStreamState(); }, this);
     pa_stream_set_moved_callback(
         stream_.get(), [](pa_stream*, void* self) { static_cast<PulseQueue*>(self)->onMoved(); }, this);
-    if (connectStream(*stream_, device_.empty() || anyDevice_ ? nullptr : device_.c_str()) < 0)
+    if (connectStream(*stream_, device) < 0)
         state_.phase = QueueState::Phase::DeviceLost;
 }
 
@@ -124,17 +128,15 @@ void PulseQueue::onStreamState() {
         break;
     case PA_STREAM_FAILED:
     case PA_STREAM_TERMINATED: {
-        pa_context* const context = connection_.context();
-        if (!context)
+        if (!connection_.context())
             break; // the server went away: the connection comes back and opens a new stream
         // A device that was not there when the stream was opened is replaced by the default once.
         const bool neverRan = state_.phase == QueueState::Phase::Waiting;
         state_.phase = QueueState::Phase::DeviceLost;
-        if (neverRan && !device_.empty() && !anyDevice_ && pa_context_errno(context) == PA_ERR_NOENTITY) {
-            anyDevice_ = true;
+        if (neverRan && !device_.empty() && !fellBack_) {
+            fellBack_ = true;
             state_.phase = QueueState::Phase::Waiting;
-            openStream();
-            anyDevice_ = false; // after a restart of the server the device may be back
+            openStream(nullptr);
         }
         break;
     }

@@ -49,14 +49,15 @@ protected:
     std::uint64_t underruns_ = 0;
 
 private:
-    void openStream();
+    void openStream(const char* device);
     void closeStream();
     void onStreamState();
     void onMoved();
 
     const std::string streamName_;
-    std::string device_;     ///< the server's name of the device asked for; empty for its default
-    bool anyDevice_ = false; ///< the device asked for is not there: the default will do
+    std::string device_; ///< the server's name of the device asked for; empty for its default
+    bool fellBack_ =
+        false; ///< the device asked for was not there when the server was reached: the default has to do
     std::vector<std::unique_ptr<AudioQueueBuffer>> buffers_;
     QueueState state_;
     PulseStream stream_;

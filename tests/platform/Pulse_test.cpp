@@ -1,0 +1,305 @@
+#include "platform/pulse/PulseSoundSystem.h"
+
+#include "support/ManualRunLoop.h"
+#include "support/PrivateServer.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <iterator>
+#include <map>
+#include <mutex>
+#include <thread>
+
+namespace sonotrace {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Noise of full scale, different on both channels, from the number of the sample alone.
+std::int16_t noise(std::uint32_t n) {
+    n = (n ^ 61U) ^ (n >> 16U);
+    n *= 9U;
+    n ^= n >> 4U;
+    n *= 0x27d4eb2dU;
+    return static_cast<std::int16_t>(n >> 13U);
+}
+
+double secondsOf(const std::function<void()>& work) {
+    const auto begin = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+std::ptrdiff_t threads() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
+}
+
+/// Plays noise into one device and listens to another.
+struct Streams {
+    explicit Streams(SoundSystem& soundSystem) : system(soundSystem) {}
+    ~Streams() {
+        output.reset();
+        input.reset();
+    }
+
+    void play(const std::string& uid) {
+        StreamDescription format;
+        format.frameCount = kOutputFramesPerBuffer;
+        system.newOutput(
+            format,
+            [this](AudioQueue& queue, AudioQueueBuffer& buffer) {
+                for (std::int16_t& sample : buffer.allSamples())
+                    sample = noise(played++);
+                ++filled;
+                queue.enqueueBuffer(buffer);
+            },
+            {.streamName = "test", .runLoop = nullptr}, output);
+        begin(*output, format, uid);
+    }
+
+    void listen(const std::string& uid, RunLoop* runLoop = nullptr) {
+        StreamDescription format;
+        format.frameCount = kCaptureFramesPerBuffer;
+        system.newInput(
+            format,
+            [this](AudioQueue& queue, AudioQueueBuffer& buffer) {
+                {
+                    const std::lock_guard lock(mutex);
+                    const auto samples = buffer.allSamples();
+                    heard.insert(heard.end(), samples.begin(), samples.end());
+                }
+                queue.enqueueBuffer(buffer);
+            },
+            {.streamName = "test", .runLoop = runLoop}, input);
+        input->enableLevelMetering(true);
+        begin(*input, format, uid);
+    }
+
+    static void begin(AudioQueue& queue, const StreamDescription& format, const std::string& uid) {
+        queue.setCurrentDevice(uid);
+        for (int i = 0; i < kBuffersPerQueue; ++i) {
+            AudioQueueBuffer* buffer = nullptr;
+            queue.allocateBuffer(format.bufferBytes(), buffer);
+            buffer->byteSize = format.bufferBytes();
+            queue.enqueueBuffer(*buffer);
+        }
+        queue.start();
+    }
+
+    std::size_t heardSamples() {
+        const std::lock_guard lock(mutex);
+        return heard.size();
+    }
+
+    /// Whether everything heard after the first noise is the noise from its beginning, without a gap.
+    testing::AssertionResult heardEveryNote() {
+        const std::lock_guard lock(mutex);
+        std::size_t first = 0;
+        while (first + 3 < heard.size() && !(heard[first] == noise(0) && heard[first + 1] == noise(1) &&
+                                             heard[first + 2] == noise(2) && heard[first + 3] == noise(3)))
+            ++first;
+        if (first + 100000 > heard.size())
+            return testing::AssertionFailure() << "the beginning is not among " << heard.size() << " samples";
+        for (std::size_t i = first; i < heard.size(); ++i) {
+            if (heard[i] != noise(static_cast<std::uint32_t>(i - first)))
+                return testing::AssertionFailure()
+                       << "differs " << i - first << " samples after the beginning";
+        }
+        return testing::AssertionSuccess();
+    }
+
+    bool running(const std::unique_ptr<AudioQueue>& queue) const {
+        return queue->state().phase == QueueState::Phase::Running;
+    }
+
+    SoundSystem& system;
+    std::atomic<std::uint32_t> played = 0;
+    std::atomic<int> filled = 0;
+    std::mutex mutex;
+    std::vector<std::int16_t> heard;
+    std::unique_ptr<AudioQueue> output;
+    std::unique_ptr<AudioQueue> input;
+};
+
+class PulseTest : public testing::Test {
+protected:
+    PulseTest() { EXPECT_TRUE(system_.connected(10s)); }
+
+    PrivateServer server_;
+    PulseSoundSystem system_;
+};
+
+TEST_F(PulseTest, ListsInputsFirstAndTheDefaultsBeforeTheOthers) {
+    server_.pactl("set-default-source line.monitor");
+    server_.pactl("set-default-sink line");
+    std::vector<DeviceDescription> devices;
+    const auto uids = [&] {
+        system_.deviceList(devices);
+        std::vector<std::string> names;
+        for (const DeviceDescription& device : devices)
+            names.push_back(*device.uid);
+        return names;
+    };
+    const std::vector<std::string> expected{"line.monitor", "speaker.monitor", "line", "speaker"};
+    EXPECT_TRUE(waitFor([&] { return uids() == expected; })) << testing::PrintToString(uids());
+    EXPECT_EQ(devices[0].name, "Monitor of line");
+    EXPECT_EQ(*devices[0].inputStreams, std::vector<std::uint32_t>{2});
+    EXPECT_TRUE(devices[0].outputStreams->empty());
+    EXPECT_EQ(*devices[3].outputStreams, std::vector<std::uint32_t>{2});
+    std::map<std::string, AudioDeviceID> ids;
+    for (const DeviceDescription& device : devices)
+        ids[*device.uid] = device.id;
+    server_.pactl("set-default-source speaker.monitor");
+    EXPECT_TRUE(waitFor([&] { return uids()[0] == "speaker.monitor"; }));
+    for (const DeviceDescription& device : devices)
+        EXPECT_EQ(ids[*device.uid], device.id) << "ids stay";
+    EXPECT_EQ(system_.name(), "PulseAudio");
+}
+
+TEST_F(PulseTest, SetsTheVolumeOfOneInputChannelAsAMixerShowsIt) {
+    std::vector<DeviceDescription> devices;
+    system_.deviceList(devices);
+    const AudioDeviceID monitor = devices[0].id;
+    const AudioDeviceID sink = devices[3].id;
+    EXPECT_EQ(system_.setInputVolume(monitor, 1, 0.5F), kNoError);
+    EXPECT_EQ(system_.setInputVolume(monitor, 2, 0.25F), kNoError);
+    const auto mixer = [this] {
+        return server_.pactl("get-source-volume " + std::string("speaker.monitor"));
+    };
+    EXPECT_TRUE(waitFor([&] {
+        return mixer().find("front-left: 32768 /  50%") != std::string::npos &&
+               mixer().find("front-right: 16384 /  25%") != std::string::npos;
+    })) << mixer();
+    float volume = 0;
+    EXPECT_EQ(system_.getInputVolume(monitor, 2, volume), kNoError);
+    EXPECT_EQ(volume, 0.25F);
+    EXPECT_FALSE(system_.hasInputVolume(monitor, 3));
+    EXPECT_FALSE(system_.hasInputVolume(sink, 1));
+    EXPECT_NE(system_.setInputVolume(sink, 1, 0.5F), kNoError);
+    EXPECT_NE(system_.setInputVolume(999, 1, 0.5F), kNoError);
+}
+
+TEST_F(PulseTest, WhatIsPlayedArrivesToTheBitThoughTheWindowThreadStallsMeanwhile) {
+    ManualRunLoop windowThread;
+    Streams streams(system_);
+    streams.listen("line.monitor", &windowThread);
+    ASSERT_TRUE(waitFor([&] { return streams.running(streams.input); }));
+    streams.play("line");
+    const auto turnUntil = [&](std::size_t samples) {
+        return waitFor([&] {
+            windowThread.turn();
+            return streams.heardSamples() >= samples;
+        });
+    };
+    ASSERT_TRUE(turnUntil(100000));
+    std::this_thread::sleep_for(500ms);
+    ASSERT_TRUE(turnUntil(300000));
+    EXPECT_TRUE(streams.heardEveryNote());
+    EXPECT_EQ(streams.output->state().underruns, 0U);
+    EXPECT_EQ(streams.output->state().deviceName, "line");
+    EXPECT_FALSE(streams.output->state().moved);
+    LevelMeter levels[2];
+    streams.input->currentLevelMeter(levels);
+    EXPECT_GT(levels[0].peakPower, 0.99F);
+    EXPECT_NEAR(levels[1].averagePower, 0.5F, 0.05F);
+}
+
+TEST_F(PulseTest, ADeviceThatGoesAwayOrIsNotThereIsSaid) {
+    Streams streams(system_);
+    streams.play("line");
+    streams.listen("no such device");
+    ASSERT_TRUE(waitFor([&] { return streams.running(streams.output) && streams.running(streams.input); }));
+    EXPECT_FALSE(streams.output->state().moved);
+    EXPECT_TRUE(streams.input->state().moved) << "the default source instead";
+    server_.pactl("unload-module $(pactl list short modules | grep sink_name=line | cut -f1)");
+    EXPECT_TRUE(waitFor([&] { return streams.output->state().moved; }));
+    EXPECT_EQ(streams.output->state().deviceName, "speaker");
+    const int filled = streams.filled;
+    EXPECT_TRUE(waitFor([&] { return streams.filled > filled + 3; })) << "it plays on";
+    server_.pactl("unload-module module-rescue-streams");
+    server_.pactl("unload-module module-null-sink");
+    EXPECT_TRUE(waitFor([&] { return streams.output->state().phase == QueueState::Phase::DeviceLost; }));
+}
+
+TEST_F(PulseTest, AServerThatComesBackIsTakenUpAgain) {
+    Streams streams(system_);
+    streams.play("line");
+    streams.listen("line.monitor");
+    ASSERT_TRUE(waitFor([&] { return streams.running(streams.output) && streams.running(streams.input); }));
+    const auto before = threads();
+    for (int i = 0; i < 2; ++i) {
+        server_.stop();
+        EXPECT_TRUE(waitFor([&] { return streams.output->state().phase == QueueState::Phase::Waiting; }));
+        server_.start();
+        const double seconds = secondsOf([&] {
+            EXPECT_TRUE(
+                waitFor([&] { return streams.running(streams.output) && streams.running(streams.input); }));
+            const std::size_t heard = streams.heardSamples();
+            EXPECT_TRUE(waitFor([&] { return streams.heardSamples() > heard; }));
+        });
+        RecordProperty("restartMilliseconds", static_cast<int>(seconds * 1000));
+        EXPECT_EQ(streams.output->state().deviceName, "line");
+    }
+    EXPECT_EQ(threads(), before);
+}
+
+TEST(PulseHang, AServerThatHangsHoldsNobodyUp) {
+    PrivateServer server;
+    auto system = std::make_unique<PulseSoundSystem>();
+    ASSERT_TRUE(system->connected(10s));
+    auto streams = std::make_unique<Streams>(*system);
+    streams->play("line");
+    streams->listen("line.monitor");
+    ASSERT_TRUE(
+        waitFor([&] { return streams->running(streams->output) && streams->running(streams->input); }));
+    const auto before = threads();
+    server.freeze();
+    // Generous: a call that waited for the server would wait for ever.
+    EXPECT_LT(secondsOf([&] {
+                  std::vector<DeviceDescription> devices;
+                  EXPECT_EQ(system->deviceList(devices), kNoError);
+                  EXPECT_EQ(system->setInputVolume(devices[0].id, 1, 0.5F), kNoError);
+                  streams->output->state();
+                  streams->input->stop();
+                  streams->output->stop();
+                  streams->output->dispose();
+                  streams->play("line");
+                  streams.reset();
+                  system.reset();
+              }),
+              5.0);
+    EXPECT_LT(threads(), before);
+    server.thaw();
+}
+
+TEST(PulseServer, WithoutAServerNothingWaitsForLong) {
+    setenv("PULSE_SERVER", "unix:/nonexistent/socket", 1);
+    PulseSoundSystem system;
+    EXPECT_FALSE(system.connected(100ms));
+    Streams streams(system);
+    streams.play("line");
+    EXPECT_EQ(streams.output->state().phase, QueueState::Phase::Waiting);
+    std::uint32_t count = 0;
+    EXPECT_NE(system.deviceListSize(count), kNoError);
+    EXPECT_EQ(streams.filled, 0);
+}
+
+TEST(PipeWire, WhatIsPlayedArrivesToTheBit) {
+    const PrivateServer server(PrivateServer::Kind::PipeWire);
+    PulseSoundSystem system;
+    ASSERT_TRUE(system.connected(10s));
+    EXPECT_EQ(system.name(), "PipeWire");
+    Streams streams(system);
+    streams.listen("line.monitor");
+    ASSERT_TRUE(waitFor([&] { return streams.running(streams.input); }));
+    ASSERT_TRUE(waitFor([&] { return streams.heardSamples() > 0; }));
+    streams.play("line");
+    ASSERT_TRUE(waitFor([&] { return streams.heardSamples() >= 400000; }, 20));
+    EXPECT_TRUE(streams.heardEveryNote());
+}
+
+} // namespace
+} // namespace sonotrace
