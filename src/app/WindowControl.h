@@ -49,7 +49,7 @@ public:
     bool startRecording(const QString& path);
 
     QMainWindow& window() { return *window_; }
-    QueueState outputState() const { return output_.state(); }
+    const GeneratorBank& bank() const { return bank_; }
 
 public Q_SLOTS:
     void menuGenerators();
