@@ -220,6 +220,7 @@ void WindowControl::applicationWillTerminate() {
         saveGeneratorSlot(preferences_, slot, panel_->slotSettings(slot));
     preferences_.setInteger(kOutputKey, outputPopup_->currentIndex());
     preferences_.setFrame(*window_, kFrameKey);
+    systemLog("Output underruns: %d", static_cast<int>(output_.state().underruns));
     if (!preferences_.synchronise())
         systemLog("The preferences cannot be written");
     systemLog("applicationWillTerminate");

@@ -16,9 +16,12 @@ QString describeStream(const QueueState& state) {
     case QueueState::Phase::Running:
         break;
     }
+    QString text = device.isEmpty() ? QObject::tr("default device") : device;
     if (state.moved)
-        return QObject::tr("on %1, not on the chosen device").arg(device);
-    return device.isEmpty() ? QObject::tr("default device") : device;
+        text = QObject::tr("on %1, not on the chosen device").arg(text);
+    if (state.underruns > 0)
+        text += QObject::tr(" (%1 gaps)").arg(state.underruns);
+    return text;
 }
 
 } // namespace sonotrace
