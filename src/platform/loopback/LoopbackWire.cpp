@@ -11,7 +11,7 @@ constexpr std::uint32_t kBlockFrames = 441; // 10 ms
 }
 
 void LoopbackWire::pass(std::uint32_t frames) {
-    std::array<std::int16_t, 2 * kBlockFrames> block;
+    std::array<std::int16_t, std::size_t{2} * kBlockFrames> block;
     while (frames > 0) {
         const std::uint32_t count = std::min(frames, kBlockFrames);
         const std::lock_guard lock(mutex_);
