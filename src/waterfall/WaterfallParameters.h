@@ -1,0 +1,45 @@
+#pragma once
+
+#include "spectrum/FftWindows.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+
+namespace sonotrace {
+
+inline constexpr double kWaterfallSampleRate = 44100.0; ///< frames per second, in every formula of the tool
+inline constexpr std::int32_t kSmallestLog2Length = 6;  ///< 64 samples
+inline constexpr std::int32_t kLargestLog2Length = 17;  ///< 131072 samples
+inline constexpr std::int32_t kLargestFrameLength = 1 << kLargestLog2Length;
+
+/// What the controls of the waterfall window say, shared with the capture thread. One value, one atomic: no
+/// value depends on another one being of the same moment, so relaxed loads and stores are enough.
+struct WaterfallParameters {
+    /// Transform length N in samples. Set from the window's menu at start-up, then by the transform.
+    std::atomic<double> waterfallFftLen{8192.0};
+    std::atomic<std::int32_t> fftSizeLog2{7};          ///< requested log2 of N (window thread)
+    std::atomic<std::int32_t> log2SampleLength{0};     ///< the one in force (capture thread), 0 at first
+    std::atomic<std::int32_t> waterfallSpeedup{1};     ///< lines per N samples; 0 and below pause the picture
+    std::atomic<FftWindowType> waterfallWindowType{1}; ///< position in the window menu
+    std::atomic<float> waterfallMinDB{50.0F};          ///< floor of the colour scale
+    std::atomic<float> waterfallMaxDB{100.0F};         ///< ceiling of the colour scale
+    std::atomic<std::int32_t> colorWaterfallPlot{1};   ///< 0: grey, otherwise colour
+    std::atomic<double> waterfallStartFreq{0.0};       ///< Hz, bottom of the picture
+    std::atomic<double> waterfallEndFreq{0.0};         ///< Hz, top of the picture
+    std::atomic<double> waterfallGain{0.0};            ///< kept and saved only
+    std::atomic<double> waterfallReceiverkHz{0.0};     ///< kept and saved only
+
+    /// N as a number of samples that fits every buffer, whatever is stored. Any thread.
+    std::int32_t frameLength() const {
+        const double length = waterfallFftLen.load(std::memory_order_relaxed);
+        if (!(length > 0.0)) // also not a number
+            return 0;
+        return static_cast<std::int32_t>(std::min(length, static_cast<double>(kLargestFrameLength)));
+    }
+};
+
+static_assert(std::atomic<double>::is_always_lock_free && std::atomic<float>::is_always_lock_free &&
+              std::atomic<std::int32_t>::is_always_lock_free);
+
+} // namespace sonotrace
