@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/Numbers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+namespace sonotrace {
+
+/// From a magnitude to a step of the colour scale:
+///     level = (ln(max(v, 1)) * 6.25 - minDB) * 100 / (maxDB - minDB), kept within 0 to 100
+/// The factor 6.25 on the natural logarithm is the display's own scale, not 20 / ln 10. With the same floor
+/// and ceiling the quotient is infinite (top or bottom) or not a number (bottom).
+class LevelScale {
+public:
+    LevelScale(float minDB, float maxDB)
+        : floor_(static_cast<double>(minDB)), range_(static_cast<double>(maxDB - minDB)) {}
+
+    /// The smallest magnitude the scale tells from silence; not a number counts as silence.
+    static double audible(double magnitude) { return magnitude > 1.0 ? magnitude : 1.0; }
+
+    /// 0 to 100, or not a number.
+    double level(double magnitude) const {
+        const double level = (std::log(audible(magnitude)) * 6.25 - floor_) * 100.0 / range_;
+        if (level < 0.0)
+            return 0.0;
+        return level > 100.0 ? 100.0 : level;
+    }
+
+    /// Step 0 to 254: the product 100 * 2.55 is 254.99999999999997.
+    std::int32_t step(double magnitude) const {
+        return std::clamp(truncateToInt32(level(magnitude) * 2.55), 0, 255);
+    }
+
+    /// Magnitude at which a step begins, to about twelve digits, for a floor below the ceiling.
+    double magnitudeOfStep(std::int32_t step) const {
+        return std::exp((step * range_ / 255.0 + floor_) / 6.25);
+    }
+
+private:
+    double floor_;
+    double range_; ///< the difference of the two limits as a single-precision number
+};
+
+} // namespace sonotrace
