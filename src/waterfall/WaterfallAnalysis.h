@@ -1,0 +1,55 @@
+#pragma once
+
+#include "waterfall/SampleRing.h"
+#include "waterfall/WaterfallFrames.h"
+#include "waterfall/WaterfallImage.h"
+#include "waterfall/WaterfallParameters.h"
+
+#include <atomic>
+#include <cstdint>
+#include <span>
+
+namespace sonotrace {
+
+/// Turns captured samples into columns of the picture. Constructed and destroyed on the window thread, fed by
+/// the capture thread.
+///
+/// With a speed-up s of 1 each line consumes N samples of its own. With s > 1 a pass consumes N samples (less
+/// a remainder) and paints s lines that overlap, N / s samples apart: the picture scrolls by s pixels and the
+/// lines fill them from left to right.
+///
+/// A speed-up of 0 and below, or one above N, which would leave less than a sample for a line, pauses the
+/// picture: what is captured meanwhile is dropped, so that a sane value goes on with what is heard then.
+/// Drawing on from no new samples would paint the same line for ever, and choosing another factor than the
+/// one in the field would make its time axis wrong.
+class WaterfallAnalysis {
+public:
+    WaterfallAnalysis(WaterfallParameters& parameters, WaterfallImage& image);
+
+    /// Takes one captured buffer of interleaved stereo and paints the lines it completes. Capture thread.
+    void capture(std::span<const std::int16_t> interleaved);
+
+    /// Makes capture() return after the line it is at, and take nothing in from then on, until resume(). For
+    /// the time a queue is being stopped: a pass with the longest transform and the largest speed-up takes
+    /// minutes, and the window must not wait for it. Any thread.
+    void interrupt() { interrupted_.store(1, std::memory_order_relaxed); }
+    void resume() { interrupted_.store(0, std::memory_order_relaxed); }
+
+private:
+    bool interrupted() const { return interrupted_.load(std::memory_order_relaxed) != 0; }
+    bool paused();
+    void produceAllLines();
+
+    /// One pass: `length` samples of the ring, which holds as many, become `waterfallSpeedup` lines. Returns
+    /// false without consuming anything when the picture is paused.
+    bool ProduceWaterfallLines(std::int32_t length);
+    void produceOverlappingLines(std::int32_t length, std::int32_t speedup);
+
+    WaterfallParameters& parameters_;
+    WaterfallImage& image_;
+    SampleRing ring_;
+    WaterfallFrames frames_;
+    std::atomic<std::int32_t> interrupted_{0};
+};
+
+} // namespace sonotrace

@@ -1,0 +1,92 @@
+#include "waterfall/WaterfallImage.h"
+
+#include "platform/Numbers.h"
+#include "platform/SystemLog.h"
+
+#include <algorithm>
+#include <bit>
+#include <limits>
+
+namespace sonotrace {
+
+namespace {
+
+float withinPicture(double size, std::int32_t limit) {
+    return size > 0.0 ? static_cast<float>(std::min(size, static_cast<double>(limit))) : 0.0F;
+}
+
+/// Extremes of the magnitudes as the scale sees them.
+struct AudibleRange {
+    double smallest = std::numeric_limits<double>::infinity();
+    double largest = 1.0;
+
+    void add(double audible) {
+        smallest = audible < smallest ? audible : smallest;
+        largest = audible > largest ? audible : largest;
+    }
+};
+
+} // namespace
+
+void WaterfallImage::myinit() const {
+    constexpr std::int32_t kBitsPerPixel = ScrollingBitmap::kBytesPerPixel * 8;
+    systemLog("colorSpaceName: %s", "NSCalibratedRGBColorSpace");
+    systemLog("bitsPerPixel: %d", kBitsPerPixel);
+    systemLog("bytesPerRow: %d", ScrollingBitmap::kBytesPerRow);
+    systemLog("bytesPerPlane: %d", ScrollingBitmap::kBytesPerRow * ScrollingBitmap::kHeight);
+    systemLog("numberOfPlanes: %d", 1);
+    systemLog("bitmapData: %x",
+              static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(offscreen_.address())));
+}
+
+void WaterfallImage::setBounds(double width, double height) {
+    const auto widthBits = std::bit_cast<std::uint32_t>(withinPicture(width, ScrollingBitmap::kWidth));
+    const auto heightBits = std::bit_cast<std::uint32_t>(withinPicture(height, ScrollingBitmap::kHeight));
+    bounds_.store(std::uint64_t{heightBits} << 32U | widthBits, std::memory_order_relaxed);
+}
+
+WaterfallBounds WaterfallImage::bounds() const {
+    const std::uint64_t bits = bounds_.load(std::memory_order_relaxed);
+    return {std::bit_cast<float>(static_cast<std::uint32_t>(bits)),
+            std::bit_cast<float>(static_cast<std::uint32_t>(bits >> 32U))};
+}
+
+void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_t len, std::int32_t offset,
+                                 std::int32_t scroll) {
+    constexpr auto kRelaxed = std::memory_order_relaxed;
+    const WaterfallBounds bounds = this->bounds();
+    LineStatistics statistics;
+    if (!(bounds.height > 0.0F) || magnitudes.empty()) {
+        lineLog_.add(statistics); // nothing to paint on yet: the line is lost
+        return;
+    }
+    bins_.setScale({.startFreq = parameters_.waterfallStartFreq.load(kRelaxed),
+                    .endFreq = parameters_.waterfallEndFreq.load(kRelaxed),
+                    .height = bounds.height,
+                    .len = len,
+                    .bins = magnitudes.size()});
+    steps_.setLimits(parameters_.waterfallMinDB.load(kRelaxed), parameters_.waterfallMaxDB.load(kRelaxed));
+    const auto& pixels =
+        parameters_.colorWaterfallPlot.load(kRelaxed) != 0 ? colors_.colors() : colors_.greys();
+    const std::int32_t column = truncateToInt32(static_cast<double>(bounds.width) - offset + 0.0);
+    const bool scrolls = scroll > 0 && scroll < ScrollingBitmap::kWidth;
+    const bool paints = column >= 0 && column < ScrollingBitmap::kWidth;
+
+    AudibleRange audible;
+    for (std::size_t y = 0; y < bins_.rows(); ++y) {
+        const double value = bins_.value(magnitudes, y);
+        const std::int32_t row = ScrollingBitmap::kHeight - 1 - static_cast<std::int32_t>(y);
+        if (scrolls)
+            offscreen_.scrollRow(row, scroll);
+        if (paints)
+            offscreen_.setPixel(row, column, pixels[static_cast<std::size_t>(steps_.step(value))]);
+        statistics.addMagnitude(value);
+        audible.add(LevelScale::audible(value));
+    }
+    // The level follows the magnitude upward, or downward with crossed limits: its extremes are at the ends.
+    statistics.addLevel(steps_.scale().level(audible.smallest));
+    statistics.addLevel(steps_.scale().level(audible.largest));
+    lineLog_.add(statistics);
+}
+
+} // namespace sonotrace
