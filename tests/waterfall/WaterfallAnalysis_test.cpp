@@ -84,7 +84,7 @@ struct PassCase {
     std::vector<GoldenLine> golden;
 };
 
-// The numbers come from a separate model in double precision of the work areas, with slides and stale remainders.
+// The numbers come from a separate double-precision model of the work areas, stale remainders included.
 TEST(WaterfallAnalysis, DrawsTheLinesOfTheModel) {
     const PassCase cases[] = {
         PassCase{"one line a frame",
