@@ -1,0 +1,107 @@
+#include "spectrum/SpectrumAnalysis.h"
+
+#include "platform/Numbers.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace sonotrace {
+
+namespace {
+
+constexpr std::size_t kRingSamples = 500000; ///< over eleven seconds
+constexpr std::size_t kPowerValues = 262144;
+
+} // namespace
+
+SpectrumAnalysis::SpectrumAnalysis(std::function<void()> redisplay)
+    : redisplay_(std::move(redisplay)), sampleRing_(kRingSamples), powerSpectrum_(kPowerValues) {}
+
+void SpectrumAnalysis::setFftSize(std::int32_t points) {
+    if (std::ranges::find(kSpectrumFftSizes, points) != kSpectrumFftSizes.end())
+        fftSize_ = points;
+}
+
+void SpectrumAnalysis::capture(std::span<const std::int16_t> interleaved) {
+    store(interleaved);
+    while (waitingSamples() > fftSize_)
+        analyze();
+}
+
+std::int32_t SpectrumAnalysis::waitingSamples() const {
+    const auto waiting =
+        static_cast<std::int32_t>(ringWriteIndex_) - static_cast<std::int32_t>(ringReadIndex_);
+    return waiting < 0 ? waiting + static_cast<std::int32_t>(kRingSamples) : waiting;
+}
+
+void SpectrumAnalysis::store(std::span<const std::int16_t> interleaved) {
+    while (interleaved.size() >= 2) {
+        const std::size_t frames = std::min(interleaved.size() / 2, kRingSamples - ringWriteIndex_);
+        std::int16_t* const target = sampleRing_.data() + ringWriteIndex_;
+        for (std::size_t i = 0; i < frames; ++i)
+            target[i] = addSamples(interleaved[2 * i], interleaved[2 * i + 1]);
+        ringWriteIndex_ = (ringWriteIndex_ + frames) % kRingSamples;
+        interleaved = interleaved.subspan(2 * frames);
+    }
+}
+
+void SpectrumAnalysis::analyze() {
+    prepareWork();
+    accumulateBlock();
+    ++avgCount_;
+    if (avgCount_ < numAvg_)
+        return;
+    makeSpectrum();
+    redisplay_();
+}
+
+/// A new size drops the sum of the blocks so far, but not their count: the first spectrum after it is divided
+/// by the blocks before it, too, and so comes out lower. A new window changes neither.
+void SpectrumAnalysis::prepareWork() {
+    const auto points = static_cast<std::size_t>(fftSize_);
+    if (points != lastSize_) {
+        windowCoeffs_.resize(points);
+        fftWork_.assign(2 * points, 0.0);
+        BuildNewWindowCoeffs(windowType_, static_cast<std::int64_t>(points), windowCoeffs_.data());
+        lastSize_ = points;
+    }
+    if (windowType_ != lastWindowType_) {
+        BuildNewWindowCoeffs(windowType_, static_cast<std::int64_t>(points), windowCoeffs_.data());
+        lastWindowType_ = windowType_;
+    }
+}
+
+void SpectrumAnalysis::accumulateBlock() {
+    std::span<double> work(fftWork_);
+    while (!work.empty()) {
+        const std::size_t samples = std::min(work.size() / 2, kRingSamples - ringReadIndex_);
+        const std::int16_t* const source = sampleRing_.data() + ringReadIndex_;
+        for (std::size_t i = 0; i < samples; ++i) {
+            work[2 * i] += source[i];
+            work[2 * i + 1] = 0.0;
+        }
+        ringReadIndex_ = (ringReadIndex_ + samples) % kRingSamples;
+        work = work.subspan(2 * samples);
+    }
+}
+
+void SpectrumAnalysis::makeSpectrum() {
+    const std::size_t points = lastSize_;
+    for (std::size_t i = 0; i < points; ++i)
+        fftWork_[2 * i] = fftWork_[2 * i] / avgCount_ * windowCoeffs_[i];
+    avgCount_ = 0;
+    fft_.transform(fftWork_);
+    maxPower_ = 0.0;
+    minPower_ = 1e8;
+    for (std::size_t i = 0; i < points; ++i) {
+        const double re = fftWork_[2 * i];
+        const double im = fftWork_[2 * i + 1];
+        const double power = re * re + im * im;
+        powerSpectrum_[i] = power;
+        maxPower_ = std::max(maxPower_, power);
+        minPower_ = std::min(minPower_, power);
+    }
+    std::ranges::fill(fftWork_, 0.0);
+}
+
+} // namespace sonotrace

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "spectrum/FftWindows.h"
+#include "spectrum/SpectrumFft.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <vector>
+
+namespace sonotrace {
+
+/// Points per transform that can be chosen, in menu order.
+inline constexpr std::array<std::int32_t, 12> kSpectrumFftSizes = {64,   128,  256,   512,   1024,  2048,
+                                                                   4096, 8192, 16384, 32768, 65536, 131072};
+
+/// Turns captured stereo into power spectra: folds it to one channel, averages consecutive blocks sample by
+/// sample, weighs the average with a data window and transforms it. Window thread.
+class SpectrumAnalysis {
+public:
+    /// `redisplay` is called after each new spectrum, from within capture().
+    explicit SpectrumAnalysis(std::function<void()> redisplay);
+
+    /// Takes interleaved frames and makes all the spectra that are due. Left and right are added as 16-bit
+    /// samples: loud in-phase signals wrap around. Allocates only after a change of the FFT size.
+    void capture(std::span<const std::int16_t> interleaved);
+
+    /// Points per transform; a size outside kSpectrumFftSizes is ignored and leaves the size as it was. This
+    /// and the other settings take effect at the next block.
+    void setFftSize(std::int32_t points);
+    void setWindowType(FftWindowType type) { windowType_ = type; }
+    /// Blocks averaged per spectrum; 0 and below mean 1.
+    void setNumAvg(std::int32_t blocks) { numAvg_ = blocks; }
+
+    double fftSize() const { return fftSize_; }
+    FftWindowType windowType() const { return windowType_; }
+    std::int32_t numAvg() const { return numAvg_; }
+
+    /// Power of each bin, re² + im², mirrored upper half included: the bins of the last spectrum, followed by
+    /// what longer ones before left there, or zeros. Room for more bins than the largest size has.
+    std::span<const double> powerSpectrum() const { return powerSpectrum_; }
+
+    double maxPower() const { return maxPower_; } ///< largest value of the last spectrum
+    double minPower() const { return minPower_; } ///< smallest value of the last spectrum, at most 1e8
+
+private:
+    std::int32_t waitingSamples() const;
+    void store(std::span<const std::int16_t> interleaved);
+    void analyze();
+    void prepareWork();
+    void accumulateBlock();
+    void makeSpectrum();
+
+    const std::function<void()> redisplay_;
+    std::vector<std::int16_t> sampleRing_;
+    std::size_t ringWriteIndex_ = 0;
+    std::size_t ringReadIndex_ = 0;
+
+    double fftSize_ = 32768;
+    FftWindowType windowType_ = 0;
+    std::int32_t numAvg_ = 0;
+
+    std::size_t lastSize_ = 0; ///< points that the window and the work area are made for
+    FftWindowType lastWindowType_ = 0;
+    std::int32_t avgCount_ = 0; ///< blocks in the work area
+    std::vector<double> windowCoeffs_;
+    std::vector<double> fftWork_; ///< re, im, ...: sum of the blocks, then their spectrum
+    SpectrumFft fft_;
+
+    std::vector<double> powerSpectrum_;
+    double maxPower_ = 0;
+    double minPower_ = 0;
+};
+
+} // namespace sonotrace
