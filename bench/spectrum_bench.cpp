@@ -1,8 +1,9 @@
 // The spectrum analyzer's work: the transform beside FFTW's of the same size and precision of storage, the
-// spectra of one captured buffer.
+// spectra of one captured buffer, and the trace.
 
 #include "spectrum/SpectrumAnalysis.h"
 #include "spectrum/SpectrumFft.h"
+#include "spectrum/SpectrumTrace.h"
 
 #include <benchmark/benchmark.h>
 #include <fftw3.h>
@@ -60,6 +61,22 @@ void captureOfOneBuffer(benchmark::State& state) {
         analysis.capture(buffer);
 }
 BENCHMARK(captureOfOneBuffer)->Arg(64)->Arg(4096)->Arg(131072)->Unit(benchmark::kMicrosecond);
+
+/// The trace of a 1500-point view over the whole spectrum, on both axes.
+void trace(benchmark::State& state) {
+    constexpr double kFftSize = 131072;
+    const std::vector<double> power(262144, 1e6);
+    const SpectrumDisplay display{
+        .spectrumEndFreq = 44000, .fillMode = 0, .logMode = static_cast<std::int32_t>(state.range(0))};
+    state.SetLabel(display.logMode != 0 ? "logarithmic" : "linear");
+    SpectrumTrace trace;
+    for (auto _ : state) {
+        const SpectrumGeometry geometry = spectrumGeometry({0, 0, 1500, 600}, display, kFftSize);
+        trace.build(geometry, display, power, kFftSize);
+        benchmark::DoNotOptimize(trace.line().data());
+    }
+}
+BENCHMARK(trace)->Arg(0)->Arg(1)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 } // namespace sonotrace
