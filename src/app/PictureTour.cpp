@@ -17,6 +17,7 @@ namespace sonotrace {
 
 namespace {
 
+constexpr double kFullVolume = 1000.0;
 constexpr int kSettling = 3500; // ms until every instrument has something to show
 
 QPalette darkPalette() {
@@ -47,6 +48,12 @@ void PictureTour::prepare(Preferences& preferences) {
     preferences.setFloat("VolR1", 0.5);
     preferences.setInteger("Enabled0", 1);
     preferences.setInteger("Enabled1", 1);
+
+    preferences.setFloat("spectrumEndFreq", 20000.0);
+    preferences.setInteger("spectrumGridCheckbox", 1);
+    preferences.setInteger("SPECTRUM_fftSizePopup", 8);
+    preferences.setInteger("SPECTRUM_windowPopup", 1);
+    preferences.setDouble("SPECTRUM_soundInputVolume", kFullVolume);
 }
 
 bool PictureTour::isReady() const {

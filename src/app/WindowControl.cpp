@@ -8,6 +8,7 @@
 #include "app/StatusLine.h"
 #include "generator/GeneratorPanel.h"
 #include "platform/SystemLog.h"
+#include "spectrum/SpectrumController.h"
 #include "widgets/PopUp.h"
 
 #include <QAbstractButton>
@@ -27,6 +28,13 @@ namespace {
 constexpr auto kFrameKey = "GENERATOR_WINDOW_FRAME";
 constexpr auto kOutputKey = "MAIN_outputPopup";
 constexpr int kHalfSecond = 500; // ms
+
+void bringToFront(QWidget& window) {
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    window.activateWindow();
+}
 } // namespace
 
 WindowControl::WindowControl(SoundSystem& system, Preferences& preferences)
@@ -74,6 +82,9 @@ void WindowControl::connectMenu() {
     on(menu_.doRecordingFileMenu, &WindowControl::doRecordingFileMenu);
     on(menu_.doStopRecordingFileMenu, &WindowControl::doStopRecordingFileMenu);
     on(menu_.menuGenerators, &WindowControl::menuGenerators);
+    on(menu_.menuSpectrum, &WindowControl::menuSpectrum);
+    for (QAction* item : {menu_.menuSweep, menu_.menuWaterfall, menu_.menuWScope})
+        item->setEnabled(false); // tools that do not exist yet
     on(menu_.showHelp, &WindowControl::showHelp);
     connect(menu_.quit, &QAction::triggered, qApp, [] { QCoreApplication::exit(0); });
 }
@@ -119,9 +130,25 @@ void WindowControl::syncPhases() {
 }
 
 void WindowControl::menuGenerators() {
-    window_->show();
-    window_->raise();
-    window_->activateWindow();
+    bringToFront(*window_);
+}
+
+void WindowControl::menuSpectrum() {
+    openTool(spectrumController_, "spectrum", system_, runLoop_, preferences_);
+}
+
+template <typename Controller, typename... Arguments>
+void WindowControl::openTool(std::unique_ptr<Controller>& controller, const char* name,
+                             Arguments&... arguments) {
+    if (controller) {
+        bringToFront(controller->window());
+        return;
+    }
+    controller = std::make_unique<Controller>(arguments...);
+    controller->awakeFromNib();
+    connect(qApp, &QCoreApplication::aboutToQuit, controller.get(), &Controller::applicationWillTerminate);
+    bringToFront(controller->window());
+    systemLog("%s: %s", name, controller->metaObject()->className());
 }
 
 void WindowControl::HalfSecTimer() {

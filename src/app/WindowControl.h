@@ -23,6 +23,7 @@ class QMainWindow;
 namespace sonotrace {
 
 class GeneratorPanel;
+class SpectrumController;
 class StatusLine;
 
 /// The main controller: owns the generator window, the generators and their output stream, creates the tool
@@ -53,6 +54,7 @@ public:
 
 public Q_SLOTS:
     void menuGenerators();
+    void menuSpectrum();
     void menuOpenSettings();
     void menuSaveSettings();
     void doRecordingFileMenu();
@@ -63,7 +65,6 @@ public Q_SLOTS:
     void HalfSecTimer();
 
 private:
-    void buildWindow();
     void connectMenu();
     void validateMenu();
     bool validateMenuItem(const QAction& item) const;
@@ -73,6 +74,11 @@ private:
     void stopSound();
     void writeSettings(const QString& path);
     void showRecordingState();
+
+    /// Makes a tool's controller on first use and shows its window; after that brings the window to the
+    /// front.
+    template <typename Controller, typename... Arguments>
+    void openTool(std::unique_ptr<Controller>& controller, const char* name, Arguments&... arguments);
 
     SoundSystem& system_;
     Preferences& preferences_;
@@ -91,6 +97,9 @@ private:
     StatusLine* status_ = nullptr;
     QTimer ourTimer_;
     QString recordingName_;
+
+    QtRunLoop runLoop_;
+    std::unique_ptr<SpectrumController> spectrumController_;
 };
 
 } // namespace sonotrace

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "audio/InputSource.h"
+#include "spectrum/SpectrumAnalysis.h"
+#include "spectrum/SpectrumGeometry.h"
+
+#include <QObject>
+#include <QTimer>
+#include <QWidget>
+
+#include <memory>
+
+namespace Ui {
+class SpectrumWindow;
+}
+
+namespace sonotrace {
+
+class Preferences;
+
+/// The spectrum analyzer's window: restores and stores its controls, hands their values to the analysis and
+/// the view, and runs the input stream from the moment it is made until the program ends. Window thread.
+class SpectrumController : public QObject {
+    Q_OBJECT
+
+public:
+    /// All arguments outlive the controller. Capture is delivered on `runLoop`, which is the window thread's.
+    SpectrumController(SoundSystem& system, RunLoop& runLoop, Preferences& preferences);
+    ~SpectrumController() override;
+
+    /// Restores the window and starts to listen. Once.
+    void awakeFromNib();
+
+    /// Writes the controls into the preferences.
+    void applicationWillTerminate();
+
+    QWidget& window() { return window_; }
+    const SpectrumAnalysis& analysis() const { return analysis_; }
+    const SpectrumDisplay& display() const { return display_; }
+
+private:
+    void restoreSettings();
+    void fillMenus();
+    void connectControls();
+
+    void startFreqTextChanged();
+    void endFreqTextChanged();
+    void numAvgTextChanged();
+    void doFillMode();
+    void doLogMode();
+    void doGridMode();
+    void doFFTSize();
+    void doWindow();
+    void doInputGain();
+    void updateBargraph();
+
+    Preferences& preferences_;
+    QWidget window_;
+    const std::unique_ptr<Ui::SpectrumWindow> ui_;
+    SpectrumDisplay display_;
+    SpectrumAnalysis analysis_;
+    std::unique_ptr<InputSource> source_;
+    QTimer bargraphTimer_;
+    int ticks_ = 0;
+};
+
+} // namespace sonotrace

@@ -1,0 +1,87 @@
+#include "spectrum/SpectrumView.h"
+
+#include "spectrum/SpectrumGrid.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+namespace sonotrace {
+
+namespace {
+
+QFont labelFont(const QFont& system) {
+    QFont font = system;
+    font.setBold(true);
+    font.setPixelSize(static_cast<int>(SpectrumGrid::kLabelSize));
+    font.setLetterSpacing(QFont::AbsoluteSpacing, SpectrumGrid::kLabelKerning);
+    return font;
+}
+
+} // namespace
+
+SpectrumView::SpectrumView(QWidget* parent) : QWidget(parent) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+}
+
+void SpectrumView::show(const SpectrumAnalysis& analysis, const SpectrumDisplay& display) {
+    analysis_ = &analysis;
+    display_ = &display;
+    update();
+}
+
+void SpectrumView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect(), Qt::black);
+    if (!analysis_)
+        return;
+    const PlotRect bounds{0.0, 0.0, static_cast<double>(width()), static_cast<double>(height())};
+    const SpectrumGeometry geometry = spectrumGeometry(bounds, *display_, analysis_->fftSize());
+    trace_.build(geometry, *display_, analysis_->powerSpectrum(), analysis_->fftSize());
+    paintTrace(painter);
+    paintGrid(painter, spectrumGrid(geometry, *display_));
+}
+
+void SpectrumView::paintTrace(QPainter& painter) const {
+    painter.save();
+    painter.translate(0, height());
+    painter.scale(1, -1);
+    for (const PlotRect& bar : trace_.bars())
+        painter.fillRect(QRectF(bar.x, bar.y, bar.width, bar.height), Qt::green);
+    if (!trace_.line().empty()) {
+        QPolygonF line;
+        line.reserve(static_cast<qsizetype>(trace_.line().size()));
+        for (const PlotPoint& point : trace_.line())
+            line.append(QPointF(point.x, point.y));
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(Qt::green, SpectrumTrace::kLineWidth));
+        painter.drawPolyline(line);
+    }
+    painter.restore();
+}
+
+void SpectrumView::paintGrid(QPainter& painter, const SpectrumGrid& grid) const {
+    painter.setFont(labelFont(font()));
+    const auto grey = static_cast<float>(std::clamp(display_->gridBrightness, 0.0F, 1.0F));
+    const QPen labelPen(QColor::fromRgbF(grey, grey, grey));
+    // The lines are parallel to the axes: without antialiasing they are one crisp pixel wide.
+    for (const FrequencyLine& line : grid.frequencyLines) {
+        painter.setPen(QPen(Qt::white, SpectrumGrid::kLineWidth));
+        painter.drawLine(QPointF(line.x, height() - line.top), QPointF(line.x, height() - line.bottom));
+        painter.setPen(labelPen);
+        paintLabel(painter, line.label);
+    }
+    for (const DecibelLine& line : grid.decibelLines) {
+        painter.setPen(QPen(Qt::red, SpectrumGrid::kLineWidth));
+        painter.drawLine(QPointF(line.left, height() - line.y), QPointF(line.right, height() - line.y));
+        painter.setPen(labelPen);
+        paintLabel(painter, line.label);
+    }
+}
+
+void SpectrumView::paintLabel(QPainter& painter, const GridLabel& label) const {
+    const QPointF baseline(label.x, height() - label.y - painter.fontMetrics().descent());
+    painter.drawText(baseline, QString::fromStdString(label.text));
+}
+
+} // namespace sonotrace
