@@ -54,6 +54,9 @@ void PictureTour::prepare(Preferences& preferences) {
     preferences.setInteger("SPECTRUM_fftSizePopup", 8);
     preferences.setInteger("SPECTRUM_windowPopup", 1);
     preferences.setDouble("SPECTRUM_soundInputVolume", kFullVolume);
+
+    preferences.setFloat("SCOPE_sweepText", 2.6);
+    preferences.setDouble("SCOPE_soundInputVolume", kFullVolume);
 }
 
 bool PictureTour::isReady() const {

@@ -8,6 +8,7 @@
 #include "app/StatusLine.h"
 #include "generator/GeneratorPanel.h"
 #include "platform/SystemLog.h"
+#include "scope/ScopeController.h"
 #include "spectrum/SpectrumController.h"
 #include "widgets/PopUp.h"
 
@@ -83,7 +84,8 @@ void WindowControl::connectMenu() {
     on(menu_.doStopRecordingFileMenu, &WindowControl::doStopRecordingFileMenu);
     on(menu_.menuGenerators, &WindowControl::menuGenerators);
     on(menu_.menuSpectrum, &WindowControl::menuSpectrum);
-    for (QAction* item : {menu_.menuSweep, menu_.menuWaterfall, menu_.menuWScope})
+    on(menu_.menuWScope, &WindowControl::menuWScope);
+    for (QAction* item : {menu_.menuSweep, menu_.menuWaterfall})
         item->setEnabled(false); // tools that do not exist yet
     on(menu_.showHelp, &WindowControl::showHelp);
     connect(menu_.quit, &QAction::triggered, qApp, [] { QCoreApplication::exit(0); });
@@ -135,6 +137,10 @@ void WindowControl::menuGenerators() {
 
 void WindowControl::menuSpectrum() {
     openTool(spectrumController_, "spectrum", system_, runLoop_, preferences_);
+}
+
+void WindowControl::menuWScope() {
+    openTool(scopeController_, "scope", system_, runLoop_, preferences_);
 }
 
 template <typename Controller, typename... Arguments>

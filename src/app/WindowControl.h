@@ -23,6 +23,7 @@ class QMainWindow;
 namespace sonotrace {
 
 class GeneratorPanel;
+class ScopeController;
 class SpectrumController;
 class StatusLine;
 
@@ -55,6 +56,7 @@ public:
 public Q_SLOTS:
     void menuGenerators();
     void menuSpectrum();
+    void menuWScope();
     void menuOpenSettings();
     void menuSaveSettings();
     void doRecordingFileMenu();
@@ -100,6 +102,7 @@ private:
 
     QtRunLoop runLoop_;
     std::unique_ptr<SpectrumController> spectrumController_;
+    std::unique_ptr<ScopeController> scopeController_;
 };
 
 } // namespace sonotrace

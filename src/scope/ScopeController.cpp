@@ -1,0 +1,148 @@
+#include "scope/ScopeController.h"
+
+#include "app/Preferences.h"
+#include "platform/Numbers.h"
+#include "platform/SystemLog.h"
+#include "ui_ScopeWindow.h"
+#include "widgets/PopUp.h"
+
+namespace sonotrace {
+
+namespace {
+
+constexpr auto kFrameKey = "SCOPE_WINDOW_FRAME";
+const QSize kDefaultSize(960, 640);
+constexpr int kStateInterval = 500; // ms
+
+// What the sliders are set to when nothing is stored: far outside their ranges, so that they stand at their
+// ends.
+constexpr double kNoRange = 50000.0;
+constexpr double kNoSweep = 600.0;
+
+/// A slider left at exactly 0 counts as one that was never stored.
+double storedOr(float stored, double fallback) {
+    return stored == 0.0F ? fallback : static_cast<double>(stored);
+}
+
+} // namespace
+
+ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferences& preferences)
+    : preferences_(preferences),
+      ui_(std::make_unique<Ui::ScopeWindow>()),
+      capture_(*this, [this] { ui_->mainView->update(); }) {
+    systemLog("- (void)init");
+    ui_->setupUi(&window_);
+    window_.setAttribute(Qt::WA_QuitOnClose, false);
+    window_.resize(kDefaultSize);
+    // The layout file holds the longest texts: with room for them the sliders do not move while their values change.
+    for (QLabel* value : {ui_->rangeValue1, ui_->rangeValue2, ui_->offsetValue1, ui_->offsetValue2, ui_->triggerValue1,
+                          ui_->triggerValue2, ui_->sweepValue})
+        value->setMinimumWidth(value->sizeHint().width());
+    const CaptureVariant variant{.streamName = "Scope",
+                                 .runLoop = &runLoop,
+                                 .printsEnqueue = false,
+                                 .metersLevel = false,
+                                 .startDiagnostic = nullptr};
+    source_ = std::make_unique<InputSource>(
+        system, AudioDeviceTable::Variant::Input, variant,
+        InputControls{ui_->inputPopup, ui_->soundInputVolume2, ui_->inputStatus},
+        [this](std::span<const std::int16_t> interleaved) { capture_.capture(interleaved); });
+}
+
+ScopeController::~ScopeController() {
+    source_->stopSound();
+}
+
+void ScopeController::awakeFromNib() {
+    ui_->mainView->show(*this, capture_);
+    preferences_.restoreFrame(window_, kFrameKey);
+    source_->GetSoundDevices();
+    source_->SetSoundDevices();
+    selectItem(*ui_->inputPopup, preferences_.integerValue("inputPopup"));
+    for (const RealSlider* slider :
+         {ui_->rangeSlider1, ui_->rangeSlider2, ui_->offsetSlider1, ui_->offsetSlider2, ui_->triggerSlider1,
+          ui_->triggerSlider2, ui_->sweepSlider})
+        connect(slider, &RealSlider::doubleValueChanged, this, &ScopeController::showValues);
+    restoreControls();
+    source_->startSound();
+    connect(&stateTimer_, &QTimer::timeout, source_.get(), &InputSource::showState);
+    stateTimer_.start(kStateInterval);
+}
+
+void ScopeController::restoreControls() {
+    ui_->rangeSlider1->setDoubleValue(storedOr(preferences_.floatValue("SCOPE_range1Text"), kNoRange));
+    ui_->rangeSlider2->setDoubleValue(storedOr(preferences_.floatValue("SCOPE_range2Text"), kNoRange));
+    ui_->triggerSlider1->setDoubleValue(preferences_.floatValue("SCOPE_trigger1Text"));
+    ui_->triggerSlider2->setDoubleValue(preferences_.floatValue("SCOPE_trigger2Text"));
+    ui_->offsetSlider1->setDoubleValue(preferences_.floatValue("SCOPE_offset1Text"));
+    ui_->offsetSlider2->setDoubleValue(preferences_.floatValue("SCOPE_offset2Text"));
+    ui_->sweepSlider->setDoubleValue(storedOr(preferences_.floatValue("SCOPE_sweepText"), kNoSweep));
+    ui_->polarity1Button->setChecked(isScopeButtonSet(preferences_.integerValue("SCOPE_polarity1Button")));
+    ui_->polarity2Button->setChecked(isScopeButtonSet(preferences_.integerValue("SCOPE_polarity2Button")));
+    ui_->invert1Button->setChecked(isScopeButtonSet(preferences_.integerValue("SCOPE_invert1Button")));
+    ui_->invert2Button->setChecked(isScopeButtonSet(preferences_.integerValue("SCOPE_invert2Button")));
+    ui_->soundInputVolume2->setDoubleValue(
+        truncateToInt32(preferences_.doubleValue("SCOPE_soundInputVolume")));
+}
+
+/// Says beside each slider what its position means.
+void ScopeController::showValues() {
+    const auto gain = [this](std::int32_t ch) { return tr("× %1").arg(getRange(ch), 0, 'f', 1); };
+    const auto offset = [this](std::int32_t ch) { return tr("%1 px").arg(getOffset(ch), 0, 'f', 0); };
+    const auto level = [this](std::int32_t ch) { return QString::number(getTrigger(ch), 'f', 0); };
+    ui_->rangeValue1->setText(gain(0));
+    ui_->rangeValue2->setText(gain(1));
+    ui_->offsetValue1->setText(offset(0));
+    ui_->offsetValue2->setText(offset(1));
+    ui_->triggerValue1->setText(level(0));
+    ui_->triggerValue2->setText(level(1));
+    const std::int32_t samples = displayBuflength(getSweep());
+    const double milliseconds = samples * 1000.0 / StreamDescription().sampleRate;
+    ui_->sweepValue->setText(
+        tr("%1 samples, %2 ms").arg(samples).arg(milliseconds, 0, 'f', milliseconds < 10 ? 2 : 1));
+}
+
+double ScopeController::getRange(std::int32_t ch) const {
+    return scopeGain((ch == 0 ? ui_->rangeSlider1 : ui_->rangeSlider2)->doubleValue());
+}
+
+double ScopeController::getOffset(std::int32_t ch) const {
+    return (ch == 0 ? ui_->offsetSlider1 : ui_->offsetSlider2)->doubleValue();
+}
+
+double ScopeController::getTrigger(std::int32_t ch) const {
+    return (ch == 0 ? ui_->triggerSlider1 : ui_->triggerSlider2)->doubleValue();
+}
+
+bool ScopeController::getTriggerPolarity(std::int32_t ch) const {
+    return (ch == 0 ? ui_->polarity1Button : ui_->polarity2Button)->isChecked();
+}
+
+bool ScopeController::getInvert(std::int32_t ch) const {
+    return (ch == 0 ? ui_->invert1Button : ui_->invert2Button)->isChecked();
+}
+
+double ScopeController::getSweep() const {
+    return scopeSweep(ui_->sweepSlider->doubleValue());
+}
+
+void ScopeController::applicationWillTerminate() {
+    const auto state = [](const QCheckBox* button) { return button->isChecked() ? 1 : 0; };
+    preferences_.setInteger("inputPopup", ui_->inputPopup->currentIndex());
+    preferences_.setFloat("SCOPE_range1Text", ui_->rangeSlider1->doubleValue());
+    preferences_.setFloat("SCOPE_range2Text", ui_->rangeSlider2->doubleValue());
+    preferences_.setFloat("SCOPE_trigger1Text", ui_->triggerSlider1->doubleValue());
+    preferences_.setFloat("SCOPE_trigger2Text", ui_->triggerSlider2->doubleValue());
+    preferences_.setFloat("SCOPE_offset1Text", ui_->offsetSlider1->doubleValue());
+    preferences_.setFloat("SCOPE_offset2Text", ui_->offsetSlider2->doubleValue());
+    preferences_.setInteger("SCOPE_polarity1Button", state(ui_->polarity1Button));
+    preferences_.setInteger("SCOPE_polarity2Button", state(ui_->polarity2Button));
+    preferences_.setFloat("SCOPE_sweepText", ui_->sweepSlider->doubleValue());
+    preferences_.setInteger("SCOPE_invert1Button", state(ui_->invert1Button));
+    preferences_.setInteger("SCOPE_invert2Button", state(ui_->invert2Button));
+    preferences_.setDouble("SCOPE_soundInputVolume", ui_->soundInputVolume2->integerValue());
+    preferences_.setFrame(window_, kFrameKey);
+    preferences_.synchronise();
+}
+
+} // namespace sonotrace
