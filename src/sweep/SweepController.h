@@ -1,0 +1,73 @@
+#pragma once
+
+#include "generator/SweepParameters.h"
+
+#include <QObject>
+#include <QTimer>
+#include <QWidget>
+
+#include <memory>
+
+class QLabel;
+
+namespace Ui {
+class SweepWindow;
+}
+
+namespace sonotrace {
+
+class Preferences;
+class RealSlider;
+
+/// The sweep's window. Every control writes its parameter at once, as it is: the render copes with any value.
+/// Window thread.
+class SweepController : public QObject {
+    Q_OBJECT
+
+public:
+    /// `parameters` and `preferences` outlive the controller.
+    SweepController(SweepParameters& parameters, Preferences& preferences);
+    ~SweepController() override;
+
+    /// Loads what is stored into the controls and the parameters. Once.
+    void awakeFromNib();
+
+    /// Writes the window's values into the preferences; the switches as the render has them, so that a pass
+    /// that has ended by itself is not started again by the next launch.
+    void applicationWillTerminate();
+
+    void showWindow();
+
+    QWidget& window() { return window_; }
+
+public Q_SLOTS:
+    void doStartFreq();
+    void doEndFreq();
+    void doRate();
+    void doAmplitudeLeft();
+    void doAmplitudeRight();
+    void doEnabled();
+    void doLeftEnabled();
+    void doRightEnabled();
+    void doReverse();
+    void doLogSweep();
+    void doOneShot();
+    void startFreqTextChanged();
+    void endFreqTextChanged();
+    void rateTextChanged();
+
+private:
+    void restoreNumbers();
+    void restoreSwitches();
+    void connectControls();
+    void follow(const RealSlider& slider, QLabel& readout);
+    void showState();
+
+    SweepParameters& parameters_;
+    Preferences& preferences_;
+    QWidget window_;
+    const std::unique_ptr<Ui::SweepWindow> ui_;
+    QTimer stateTimer_;
+};
+
+} // namespace sonotrace

@@ -1,0 +1,42 @@
+#include "sweep/SweepStatus.h"
+
+#include "generator/SweepParameters.h"
+
+#include <QObject>
+
+#include <cmath>
+
+namespace sonotrace {
+
+namespace {
+
+constexpr auto kRelaxed = std::memory_order_relaxed;
+constexpr double kLongestPlain = 1e9; // Hz; beyond it the digits are noise
+
+QString frequencyText(double frequency) {
+    const bool plain = std::abs(frequency) < kLongestPlain;
+    return QObject::tr("%1 Hz").arg(frequency, 0, plain ? 'f' : 'g', plain ? 1 : 6);
+}
+
+/// Why a running sweep is not heard, or nothing.
+QString silenceText(const SweepParameters& sweep) {
+    const bool left = sweep.leftEnabled.load(kRelaxed) != 0;
+    const bool right = sweep.rightEnabled.load(kRelaxed) != 0;
+    if (!left && !right)
+        return QObject::tr(" – silent: no channel is on");
+    const bool sounds = (left && sweep.amplitudeLeft.load(kRelaxed) != 0.0) ||
+                        (right && sweep.amplitudeRight.load(kRelaxed) != 0.0);
+    return sounds ? QString() : QObject::tr(" – silent: the amplitude is 0");
+}
+
+} // namespace
+
+QString describeSweep(const SweepParameters& sweep) {
+    if (sweep.enabled.load(kRelaxed) == 0)
+        return QObject::tr("Off");
+    const QString what =
+        sweep.oneShot.load(kRelaxed) != 0 ? QObject::tr("One-shot pass at %1") : QObject::tr("Running at %1");
+    return what.arg(frequencyText(sweep.currentFrequency.load(kRelaxed))) + silenceText(sweep);
+}
+
+} // namespace sonotrace

@@ -1,0 +1,200 @@
+#include "sweep/SweepController.h"
+
+#include "app/Preferences.h"
+#include "support/RenderBench.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSlider>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace sonotrace {
+namespace {
+
+class SweepWindowTest : public testing::Test {
+protected:
+    SweepWindowTest() {
+        preferences_.setFloat("sweepStart", 20);
+        preferences_.setFloat("sweepEnd", 20000);
+        preferences_.setFloat("sweepRate", 90000);
+    }
+
+    void launch() {
+        controller_ = std::make_unique<SweepController>(bench_.sweep, preferences_);
+        controller_->awakeFromNib();
+    }
+
+    template <typename Control>
+    Control& find(const char* name) {
+        auto* control = controller_->window().findChild<Control*>(name);
+        if (!control)
+            throw std::runtime_error(std::string("no control ") + name);
+        return *control;
+    }
+
+    QString state() { return find<QLabel>("sweepState").text(); }
+
+    QTemporaryDir folder_;
+    Preferences preferences_{folder_.filePath("preferences")};
+    RenderBench bench_;
+    std::unique_ptr<SweepController> controller_;
+};
+
+TEST_F(SweepWindowTest, AFirstOpeningLoadsTheFirstRunValuesAndIsSilent) {
+    bench_.sweep.amplitudeLeft = 1;
+    bench_.sweep.enabled = 1;
+    launch();
+    EXPECT_EQ(bench_.sweep.startFrequency, 20);
+    EXPECT_EQ(bench_.sweep.endFrequency, 20000);
+    EXPECT_EQ(bench_.sweep.rate, 90000);
+    EXPECT_EQ(bench_.sweep.amplitudeLeft, 0);
+    EXPECT_EQ(bench_.sweep.enabled, 0);
+    EXPECT_EQ(find<QLineEdit>("rate").text(), "90000");
+    EXPECT_EQ(find<QLabel>("amplitudeLeftReadout").text(), "0.0 %");
+    EXPECT_EQ(state(), "Off");
+    find<QCheckBox>("enabledCheck").click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return state() == "Running at 0.0 Hz – silent: no channel is on"; }));
+    find<QCheckBox>("rightEnabled").click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return state() == "Running at 0.0 Hz – silent: the amplitude is 0"; }));
+}
+
+TEST_F(SweepWindowTest, EveryKeystrokeCountsAndAnyTextIsTaken) {
+    launch();
+    const struct {
+        const char* name;
+        std::atomic<double>& parameter;
+    } fields[] = {{"startFreq", bench_.sweep.startFrequency},
+                  {"endFreq", bench_.sweep.endFrequency},
+                  {"rate", bench_.sweep.rate}};
+    for (const auto& [name, parameter] : fields) {
+        auto& field = find<QLineEdit>(name);
+        field.clear();
+        EXPECT_EQ(parameter, 0) << name;
+        std::vector<double> seen;
+        for (const char key : {'1', '5', '0', '0'}) {
+            QTest::keyClick(&field, key);
+            seen.push_back(parameter);
+        }
+        EXPECT_EQ(seen, (std::vector<double>{1, 15, 150, 1500})) << name;
+        parameter = 3;
+        QTest::keyClick(&field, Qt::Key_Return);
+        EXPECT_EQ(parameter, 1500) << name;
+    }
+    // Whatever is typed, the sweep is as it should be after sane values are back.
+    find<QCheckBox>("leftEnabled").click();
+    find<QSlider>("amplitudeLeft").setValue(1000);
+    find<QCheckBox>("enabledCheck").click();
+    for (const char* text : {"nan", "1e308", "-1e308", "-5", "", "1e999", "inf", "-"}) {
+        for (const auto& field : fields)
+            find<QLineEdit>(field.name).setText(text);
+        bench_.render();
+    }
+    find<QLineEdit>("startFreq").setText("441 Hz");
+    find<QLineEdit>("endFreq").setText("4410");
+    find<QLineEdit>("rate").setText("0");
+    find<QPushButton>("oneShot").click();
+    const auto samples = bench_.render();
+    const auto crossings = [&] {
+        int count = 0;
+        for (std::size_t i = 2; i < samples.size(); i += 2)
+            count += samples[i - 2] < 0 && samples[i] >= 0 ? 1 : 0;
+        return count;
+    }();
+    EXPECT_EQ(crossings, 50) << "5000 frames of 441 Hz";
+    EXPECT_EQ(bench_.sweep.currentFrequency, 441);
+}
+
+TEST_F(SweepWindowTest, SwitchesAndSlidersWriteTheirOwnParameterAtOnce) {
+    launch();
+    const struct {
+        const char* name;
+        std::atomic<std::int32_t>& parameter;
+    } switches[] = {{"enabledCheck", bench_.sweep.enabled},
+                    {"leftEnabled", bench_.sweep.leftEnabled},
+                    {"rightEnabled", bench_.sweep.rightEnabled},
+                    {"reverse", bench_.sweep.reverse},
+                    {"logSweep", bench_.sweep.log}};
+    const auto sum = [&] {
+        int on = 0;
+        for (const auto& each : switches)
+            on += each.parameter;
+        return on;
+    };
+    for (const auto& [name, parameter] : switches) {
+        find<QCheckBox>(name).click();
+        EXPECT_EQ(parameter, 1) << name;
+        EXPECT_EQ(sum(), 1) << name;
+        find<QCheckBox>(name).click();
+        EXPECT_EQ(parameter, 0) << name;
+    }
+    testing::internal::CaptureStderr();
+    find<QSlider>("amplitudeRight").setValue(333);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "amplitudeRight\n") << "no do";
+    EXPECT_EQ(bench_.sweep.amplitudeRight, 0.333);
+    EXPECT_EQ(bench_.sweep.amplitudeLeft, 0);
+    EXPECT_EQ(find<QLabel>("amplitudeRightReadout").text(), "33.3 %");
+    EXPECT_EQ(find<QLabel>("rateUnit").text(), "Hz/s");
+    find<QCheckBox>("logSweep").click();
+    EXPECT_EQ(find<QLabel>("rateUnit").text(), "× 0.046417 %/s");
+}
+
+TEST_F(SweepWindowTest, AOneShotPassIsStoredAsTheRenderHasItAndTheBoxDoesNotFollow) {
+    launch();
+    find<QLineEdit>("endFreq").setText("1020");
+    find<QLineEdit>("rate").setText("5000");
+    find<QPushButton>("oneShot").click();
+    bench_.render();
+    EXPECT_FALSE(find<QCheckBox>("enabledCheck").isChecked());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return state().startsWith("One-shot pass at 586.9 Hz"); }))
+        << state().toStdString();
+    controller_->applicationWillTerminate();
+    EXPECT_EQ(preferences_.integerValue("sweepEnabled"), 1) << "in the pass";
+    bench_.render();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return state() == "Off"; }));
+    controller_->applicationWillTerminate();
+    EXPECT_EQ(preferences_.integerValue("sweepEnabled"), 0) << "after it";
+
+    find<QCheckBox>("enabledCheck").click();
+    find<QPushButton>("oneShot").click();
+    bench_.render(2);
+    EXPECT_TRUE(find<QCheckBox>("enabledCheck").isChecked());
+    controller_->applicationWillTerminate();
+    EXPECT_EQ(preferences_.integerValue("sweepEnabled"), 0);
+}
+
+TEST_F(SweepWindowTest, EverythingIsAsItWasAfterARestartAndWildPreferencesAreSurvived) {
+    launch();
+    find<QLineEdit>("startFreq").setText("1000.1");
+    find<QSlider>("amplitudeLeft").setValue(333);
+    for (const char* name : {"enabledCheck", "rightEnabled", "logSweep"})
+        find<QCheckBox>(name).click();
+    controller_->window().resize(700, 480);
+    controller_->applicationWillTerminate();
+    launch();
+    EXPECT_EQ(find<QLineEdit>("startFreq").text(), "1000.1");
+    EXPECT_EQ(bench_.sweep.startFrequency, static_cast<double>(1000.1F)) << "stored in single precision";
+    EXPECT_EQ(bench_.sweep.amplitudeLeft, static_cast<double>(0.333F));
+    EXPECT_EQ(find<QLabel>("amplitudeLeftReadout").text(), "33.3 %");
+    for (const char* name : {"enabledCheck", "rightEnabled", "logSweep"})
+        EXPECT_TRUE(find<QCheckBox>(name).isChecked()) << name;
+    for (const char* name : {"leftEnabled", "reverse"})
+        EXPECT_FALSE(find<QCheckBox>(name).isChecked()) << name;
+    EXPECT_EQ(controller_->window().size(), QSize(700, 480));
+
+    preferences_.setDouble("sweepAmplitudeLeft", 7);
+    preferences_.setDouble("sweepStart", -1e300);
+    preferences_.setInteger("sweepReverse", -3);
+    launch();
+    EXPECT_EQ(bench_.sweep.amplitudeLeft, 7) << "the store's value, not the slider's";
+    EXPECT_EQ(bench_.sweep.reverse, 1);
+    EXPECT_EQ(find<QLabel>("amplitudeLeftReadout").text(), "100.0 %");
+    bench_.render();
+}
+
+} // namespace
+} // namespace sonotrace
