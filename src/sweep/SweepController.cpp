@@ -20,6 +20,11 @@ void store(std::atomic<std::int32_t>& parameter, const QCheckBox& box) {
     parameter.store(box.isChecked() ? 1 : 0, kRelaxed);
 }
 
+/// The rate's unit in a logarithmic sweep: so much of itself the frequency grows a second.
+QString logRateUnit() {
+    return QObject::tr("× 0.046417 %/s");
+}
+
 } // namespace
 
 SweepController::SweepController(SweepParameters& parameters, Preferences& preferences)
@@ -36,6 +41,8 @@ void SweepController::awakeFromNib() {
     preferences_.restoreFrame(window_, kFrameKey);
     follow(*ui_->amplitudeLeft, *ui_->amplitudeLeftReadout);
     follow(*ui_->amplitudeRight, *ui_->amplitudeRightReadout);
+    // The switch beside the unit must not jump when it is clicked.
+    ui_->rateUnit->setMinimumWidth(ui_->rateUnit->fontMetrics().horizontalAdvance(logRateUnit()));
     restoreNumbers();
     restoreSwitches();
     connect(qApp, &QCoreApplication::aboutToQuit, this, &SweepController::applicationWillTerminate);
@@ -104,7 +111,7 @@ void SweepController::follow(const RealSlider& slider, QLabel& readout) {
 
 void SweepController::showState() {
     ui_->sweepState->setText(describeSweep(parameters_));
-    ui_->rateUnit->setText(ui_->logSweep->isChecked() ? tr("× 0.046417 %/s") : tr("Hz/s"));
+    ui_->rateUnit->setText(ui_->logSweep->isChecked() ? logRateUnit() : tr("Hz/s"));
 }
 
 void SweepController::showWindow() {
