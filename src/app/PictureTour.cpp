@@ -49,6 +49,12 @@ void PictureTour::prepare(Preferences& preferences) {
     preferences.setInteger("Enabled0", 1);
     preferences.setInteger("Enabled1", 1);
 
+    preferences.setFloat("sweepStart", 20.0);
+    preferences.setFloat("sweepEnd", 20000.0);
+    preferences.setFloat("sweepRate", 5000.0);
+    preferences.setFloat("sweepAmplitudeLeft", 0.25);
+    preferences.setInteger("sweepLeftEnabled", 1);
+
     preferences.setFloat("spectrumEndFreq", 20000.0);
     preferences.setInteger("spectrumGridCheckbox", 1);
     preferences.setInteger("SPECTRUM_fftSizePopup", 8);

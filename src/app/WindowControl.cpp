@@ -10,6 +10,7 @@
 #include "platform/SystemLog.h"
 #include "scope/ScopeController.h"
 #include "spectrum/SpectrumController.h"
+#include "sweep/SweepController.h"
 #include "widgets/PopUp.h"
 
 #include <QAbstractButton>
@@ -84,9 +85,9 @@ void WindowControl::connectMenu() {
     on(menu_.doStopRecordingFileMenu, &WindowControl::doStopRecordingFileMenu);
     on(menu_.menuGenerators, &WindowControl::menuGenerators);
     on(menu_.menuSpectrum, &WindowControl::menuSpectrum);
+    on(menu_.menuSweep, &WindowControl::menuSweep);
     on(menu_.menuWScope, &WindowControl::menuWScope);
-    for (QAction* item : {menu_.menuSweep, menu_.menuWaterfall})
-        item->setEnabled(false); // tools that do not exist yet
+    menu_.menuWaterfall->setEnabled(false); // does not exist yet
     on(menu_.showHelp, &WindowControl::showHelp);
     connect(menu_.quit, &QAction::triggered, qApp, [] { QCoreApplication::exit(0); });
 }
@@ -133,6 +134,10 @@ void WindowControl::syncPhases() {
 
 void WindowControl::menuGenerators() {
     bringToFront(*window_);
+}
+
+void WindowControl::menuSweep() {
+    openTool(sweepController_, "sweep", sweep_, preferences_);
 }
 
 void WindowControl::menuSpectrum() {

@@ -26,6 +26,7 @@ class GeneratorPanel;
 class ScopeController;
 class SpectrumController;
 class StatusLine;
+class SweepController;
 
 /// The main controller: owns the generator window, the generators and their output stream, creates the tool
 /// windows on demand and keeps house twice a second. Window thread.
@@ -55,6 +56,7 @@ public:
 
 public Q_SLOTS:
     void menuGenerators();
+    void menuSweep();
     void menuSpectrum();
     void menuWScope();
     void menuOpenSettings();
@@ -101,6 +103,7 @@ private:
     QString recordingName_;
 
     QtRunLoop runLoop_;
+    std::unique_ptr<SweepController> sweepController_;
     std::unique_ptr<SpectrumController> spectrumController_;
     std::unique_ptr<ScopeController> scopeController_;
 };

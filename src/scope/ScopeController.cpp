@@ -34,9 +34,10 @@ ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferen
     ui_->setupUi(&window_);
     window_.setAttribute(Qt::WA_QuitOnClose, false);
     window_.resize(kDefaultSize);
-    // The layout file holds the longest texts: with room for them the sliders do not move while their values change.
-    for (QLabel* value : {ui_->rangeValue1, ui_->rangeValue2, ui_->offsetValue1, ui_->offsetValue2, ui_->triggerValue1,
-                          ui_->triggerValue2, ui_->sweepValue})
+    // The layout file holds the longest texts: with room for them the sliders do not move while their values
+    // change.
+    for (QLabel* value : {ui_->rangeValue1, ui_->rangeValue2, ui_->offsetValue1, ui_->offsetValue2,
+                          ui_->triggerValue1, ui_->triggerValue2, ui_->sweepValue})
         value->setMinimumWidth(value->sizeHint().width());
     const CaptureVariant variant{.streamName = "Scope",
                                  .runLoop = &runLoop,

@@ -1,12 +1,9 @@
 #include "sweep/SweepController.h"
 
-#include "ui_SweepWindow.h"
-
 #include "app/Preferences.h"
 #include "platform/SystemLog.h"
 #include "sweep/SweepStatus.h"
-
-#include <QCoreApplication>
+#include "ui_SweepWindow.h"
 
 namespace sonotrace {
 
@@ -45,7 +42,6 @@ void SweepController::awakeFromNib() {
     ui_->rateUnit->setMinimumWidth(ui_->rateUnit->fontMetrics().horizontalAdvance(logRateUnit()));
     restoreNumbers();
     restoreSwitches();
-    connect(qApp, &QCoreApplication::aboutToQuit, this, &SweepController::applicationWillTerminate);
     connectControls();
     showState();
     stateTimer_.start(kStateInterval);

@@ -73,8 +73,7 @@ TEST_F(ScopeEndToEnd, EachChannelShowsItsSignalFromTheTriggerOn) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return isSine() && isSquare(); }, 10000))
         << testing::PrintToString(trace(1));
     find<RealSlider>(controller_->window(), "rangeSlider2").setDoubleValue(-std::log10(2.0));
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return std::abs(std::ranges::max(trace(1)) - 2 * 8191) < 2; }, 5000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return std::abs(std::ranges::max(trace(1)) - 2 * 8191) < 2; }, 5000));
 }
 
 TEST_F(ScopeEndToEnd, TheInputCanBeChangedWhileItListens) {
