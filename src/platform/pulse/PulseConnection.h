@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/pulse/PulseHandles.h"
+#include "platform/pulse/PulseTimer.h"
 
 #include <functional>
 
@@ -10,19 +11,31 @@ namespace sonotrace {
 /// times a second until it is back.
 class PulseConnection {
 public:
-    /// Both run on the connection's thread, with its lock held.
+    /// Both run with the connection's lock held, on its thread; the last disconnected() on that of stop(). A
+    /// connection may be reported disconnected more than once.
     struct Events {
         std::function<void(pa_context& context)> connected;
         std::function<void()> disconnected;
     };
 
-    explicit PulseConnection(Events events);
+    /// What to do when no server runs.
+    enum class FirstAttempt {
+        MayLaunchServer, ///< where users are set up so, the client library launches one; that takes a while
+        OnlyConnects,
+    };
+
+    PulseConnection(Events events, FirstAttempt firstAttempt);
     ~PulseConnection(); ///< stops
 
+    /// At most once. Connecting itself happens on the connection's thread.
     void start();
 
-    /// Ends the thread. No event runs afterwards. Never waits for the server.
+    /// Disconnects, which is the last event, and ends the thread. Never waits for the server.
     void stop();
+
+    /// Gives up the present connection, which has become useless, and makes a new one in a moment. With the
+    /// lock held.
+    void reconnect();
 
     pa_threaded_mainloop* loop() const { return loop_.get(); }
 
@@ -31,13 +44,14 @@ public:
 
 private:
     void connect();
+    void disconnect();
     void onState();
-    void retryLater();
 
     const Events events_;
+    FirstAttempt attempt_;
     PulseMainloop loop_;
+    PulseTimer retry_;
     PulseContext context_;
-    pa_time_event* retry_ = nullptr;
     bool running_ = false;
 };
 

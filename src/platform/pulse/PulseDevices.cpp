@@ -5,12 +5,17 @@
 
 namespace sonotrace {
 
+namespace {
+constexpr std::chrono::milliseconds kListPatience{1000};
+}
+
 struct PulseDevices::List {
     std::string serverName;
     std::string defaultSink;
     std::string defaultSource;
     std::vector<PulseDevice> devices;
     std::uint64_t volumeChanges = 0; ///< when the questions were asked
+    bool complete = true;            ///< every question so far was answered
 
     /// The default source, the other sources, monitors, the default sink, the other sinks.
     int rank(const PulseDevice& device) const {
@@ -23,8 +28,10 @@ struct PulseDevices::List {
 };
 
 PulseDevices::PulseDevices()
-    : connection_({.connected = [this](pa_context& context) { ask(context); },
-                   .disconnected = [this] { list_.reset(); }}) {
+    : listPatienceEnd_(std::chrono::steady_clock::now() + kListPatience),
+      connection_({.connected = [this](pa_context& context) { ask(context); },
+                   .disconnected = [this] { list_.reset(); }},
+                  PulseConnection::FirstAttempt::MayLaunchServer) {
     connection_.start();
 }
 
@@ -61,7 +68,10 @@ void PulseDevices::askAgain() {
         context,
         [](pa_context*, const pa_server_info* info, void* data) {
             auto& self = *static_cast<PulseDevices*>(data);
-            if (!info || !self.list_)
+            if (!self.list_)
+                return;
+            self.list_->complete = info != nullptr;
+            if (!info)
                 return;
             const auto text = [](const char* value) { return std::string(value ? value : ""); };
             self.list_->serverName = text(info->server_name);
@@ -72,16 +82,17 @@ void PulseDevices::askAgain() {
     forget(pa_context_get_source_info_list(
         context,
         [](pa_context*, const pa_source_info* info, int end, void* data) {
-            if (end != 0 || !info)
-                return;
-            static_cast<PulseDevices*>(data)->add(
-                {.id = 0,
-                 .name = info->name,
-                 .description = info->description ? info->description : info->name,
-                 .channels = info->sample_spec.channels,
-                 .isSource = true,
-                 .isMonitor = info->monitor_of_sink != PA_INVALID_INDEX,
-                 .volume = info->volume});
+            auto& self = *static_cast<PulseDevices*>(data);
+            if (end < 0 && self.list_)
+                self.list_->complete = false;
+            else if (end == 0 && info)
+                self.add({.id = 0,
+                          .name = info->name,
+                          .description = info->description ? info->description : info->name,
+                          .channels = info->sample_spec.channels,
+                          .isSource = true,
+                          .isMonitor = info->monitor_of_sink != PA_INVALID_INDEX,
+                          .volume = info->volume});
         },
         this));
     // Answers come in the order of the questions: when the sinks have ended everything is there.
@@ -89,6 +100,8 @@ void PulseDevices::askAgain() {
         context,
         [](pa_context*, const pa_sink_info* info, int end, void* data) {
             auto& self = *static_cast<PulseDevices*>(data);
+            if (end < 0 && self.list_)
+                self.list_->complete = false;
             if (end != 0)
                 self.finish();
             else if (info)
@@ -112,6 +125,10 @@ void PulseDevices::finish() {
     const std::unique_ptr<List> list = std::move(list_);
     if (!list)
         return;
+    if (!list->complete) {
+        connection_.reconnect(); // the server hung; what was known stays
+        return;
+    }
     const auto before = [&list](const PulseDevice& a, const PulseDevice& b) {
         return list->rank(a) < list->rank(b);
     };
@@ -144,6 +161,11 @@ bool PulseDevices::waitUntilKnown(std::chrono::milliseconds patience) {
     return knownChanged_.wait_for(lock, patience, [this] { return known_; });
 }
 
+bool PulseDevices::waitForFirstList() {
+    std::unique_lock lock(mutex_);
+    return knownChanged_.wait_until(lock, listPatienceEnd_, [this] { return known_; });
+}
+
 std::string PulseDevices::serverName() {
     const std::lock_guard lock(mutex_);
     return serverName_;
@@ -161,6 +183,8 @@ std::string PulseDevices::description(const std::string& name) {
 }
 
 Status PulseDevices::setVolume(AudioDeviceID id, std::uint32_t channel, pa_volume_t volume) {
+    if (!waitUntilKnown(std::chrono::milliseconds::zero()))
+        return kStatusUnavailable; // before the lock, which is held while a server is launched
     const PulseLock connectionLock(connection_.loop());
     pa_context* const context = connection_.context();
     if (!context)

@@ -33,6 +33,10 @@ public:
     /// Waits until the devices are known, at most `patience`.
     bool waitUntilKnown(std::chrono::milliseconds patience);
 
+    /// The same, for those who need the list: waits until a second after the beginning, so that a server that
+    /// does not answer costs the user that second once and not with every window.
+    bool waitForFirstList();
+
     /// What the server calls itself; empty while it is not known.
     std::string serverName();
 
@@ -57,6 +61,8 @@ private:
     // The connection's thread only.
     std::unique_ptr<List> list_;
     bool outdated_ = false; ///< something changed while the server was being asked
+
+    const std::chrono::steady_clock::time_point listPatienceEnd_;
 
     // Shared with the window thread, under the mutex.
     std::mutex mutex_;

@@ -24,6 +24,7 @@ Status PulseInputQueue::currentLevelMeter(std::span<LevelMeter> channels) {
 
 int PulseInputQueue::connectStream(pa_stream& stream, const char* device) {
     fragmentPosition_ = 0;
+    waiting_ = 0;
     pa_stream_set_read_callback(&stream, &PulseQueue::onTransfer, static_cast<PulseQueue*>(this));
     pa_buffer_attr attributes;
     attributes.maxlength = static_cast<std::uint32_t>(format_.sampleRate) * format_.bytesPerFrame;
@@ -33,6 +34,14 @@ int PulseInputQueue::connectStream(pa_stream& stream, const char* device) {
     attributes.fragsize = kFragmentFrames * format_.bytesPerFrame;
     constexpr int kFlags = PA_STREAM_ADJUST_LATENCY | PA_STREAM_START_UNMUTED;
     return pa_stream_connect_record(&stream, device, &attributes, static_cast<pa_stream_flags_t>(kFlags));
+}
+
+/// What is captured is what the device hears: a volume that a mixer remembers of earlier streams is undone.
+void PulseInputQueue::streamReady(pa_context& context, pa_stream& stream) {
+    pa_cvolume volume;
+    pa_cvolume_set(&volume, format_.channelsPerFrame, PA_VOLUME_NORM);
+    forget(pa_context_set_source_output_volume(&context, pa_stream_get_index(&stream), &volume, nullptr,
+                                               nullptr));
 }
 
 void PulseInputQueue::transfer(pa_stream& stream) {
@@ -48,12 +57,27 @@ void PulseInputQueue::transfer(pa_stream& stream) {
             else if (metering_)
                 level_.add({samples, bytes / sizeof(std::int16_t)});
         }
-        fragmentPosition_ += store(samples, bytes);
-        if (fragmentPosition_ < bytes)
+        const std::size_t stored = store(samples, bytes);
+        fragmentPosition_ += stored;
+        if (stored > 0)
+            waiting_ = 0;
+        if (fragmentPosition_ < bytes) {
+            watchForLoss(stream);
             return; // no buffer to fill: goes on when one is enqueued
+        }
         fragmentPosition_ = 0;
         pa_stream_drop(&stream);
     }
+}
+
+/// The library says nothing when it has to drop a fragment; but then one came and nothing was added.
+void PulseInputQueue::watchForLoss(pa_stream& stream) {
+    const std::size_t waiting = pa_stream_readable_size(&stream);
+    const bool lost = waiting == waiting_;
+    if (lost && !losing_)
+        ++underruns_;
+    losing_ = lost;
+    waiting_ = waiting;
 }
 
 /// Fills enqueued buffers from where the fragment was left and delivers the full ones. The bytes stored.

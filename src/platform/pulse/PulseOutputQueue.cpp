@@ -1,5 +1,7 @@
 #include "platform/pulse/PulseOutputQueue.h"
 
+#include <algorithm>
+
 namespace sonotrace {
 
 int PulseOutputQueue::connectStream(pa_stream& stream, const char* device) {
@@ -23,7 +25,7 @@ int PulseOutputQueue::connectStream(pa_stream& stream, const char* device) {
                                       &volume, nullptr);
 }
 
-void PulseOutputQueue::streamReady(pa_stream& stream) {
+void PulseOutputQueue::streamReady(pa_context&, pa_stream& stream) {
     writeQueued(stream);
 }
 
@@ -37,14 +39,29 @@ void PulseOutputQueue::writeQueued(pa_stream& stream) {
 
 void PulseOutputQueue::transfer(pa_stream& stream) {
     writeQueued(stream);
-    while (written_ > 0 && pa_stream_writable_size(&stream) != static_cast<std::size_t>(-1) &&
-           pa_stream_writable_size(&stream) >= queued_.front()->byteSize) {
+    while (written_ > 0 && room(stream) >= queued_.front()->byteSize) {
         AudioQueueBuffer& played = *queued_.front();
         queued_.pop_front();
         --written_;
         delivery_.deliver(played);
         writeQueued(stream);
     }
+}
+
+/// How much of what was written is neither in the stream nor in the device any more, bytes. The server takes
+/// the latency of the device off the length it was asked to keep in the stream, and would let the stream run
+/// down by a whole buffer before it has asked for one.
+std::size_t PulseOutputQueue::room(pa_stream& stream) const {
+    const std::size_t writable = pa_stream_writable_size(&stream);
+    const pa_buffer_attr* const granted = pa_stream_get_buffer_attr(&stream);
+    if (writable == static_cast<std::size_t>(-1) || !granted)
+        return 0;
+    const std::uint32_t bufferBytes = format_.bufferBytes();
+    const std::uint32_t inDevice =
+        kBuffersPerQueue * bufferBytes - std::min(granted->tlength, kBuffersPerQueue * bufferBytes);
+    // Less than a buffer: the library reports 0 also when more is written than the server has asked for, and
+    // a whole buffer of room would then be refilled for ever.
+    return writable + std::min(inDevice, bufferBytes - format_.bytesPerFrame);
 }
 
 } // namespace sonotrace

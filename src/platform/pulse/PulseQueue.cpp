@@ -6,6 +6,11 @@
 
 namespace sonotrace {
 
+namespace {
+constexpr pa_usec_t kReopenInterval = PA_USEC_PER_SEC;
+constexpr pa_usec_t kFlowPatience = 2 * PA_USEC_PER_SEC; // devices that have to wake up take their time
+} // namespace
+
 PulseQueue::PulseQueue(PulseDevices& devices, const StreamDescription& format, Callback callback,
                        const QueueOptions& options)
     : devices_(devices),
@@ -14,26 +19,32 @@ PulseQueue::PulseQueue(PulseDevices& devices, const StreamDescription& format, C
       streamName_(options.streamName),
       connection_({.connected =
                        [this](pa_context&) {
-                           fellBack_ = false;
-                           openStream(device_.empty() ? nullptr : device_.c_str());
+                           everRan_ = false;
+                           openStream(Target::AskedFor);
                        },
                    .disconnected =
                        [this] {
+                           reopen_.cancel();
                            closeStream();
                            state_.phase = QueueState::Phase::Waiting;
-                       }}) {}
+                       }},
+                  PulseConnection::FirstAttempt::OnlyConnects),
+      reopen_(connection_.loop(), [this] { openStream(Target::AskedFor); }) {}
 
 PulseQueue::~PulseQueue() {
     stop();
 }
 
 Status PulseQueue::setCurrentDevice(const std::string& uid) {
-    const PulseLock lock(loop());
+    if (started_)
+        return kStatusBadState;
     device_ = uid;
     return kNoError;
 }
 
 Status PulseQueue::allocateBuffer(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) {
+    if (byteCapacity == 0 || byteCapacity % format_.bytesPerFrame != 0)
+        return kStatusBadArgument; // the streams carry whole frames only
     buffers_.push_back(std::make_unique<AudioQueueBuffer>(byteCapacity));
     buffer = buffers_.back().get();
     return kNoError;
@@ -41,7 +52,8 @@ Status PulseQueue::allocateBuffer(std::uint32_t byteCapacity, AudioQueueBuffer*&
 
 Status PulseQueue::enqueueBuffer(AudioQueueBuffer& buffer) {
     const PulseLock lock(loop());
-    if (buffer.byteSize < format_.bytesPerFrame || buffer.byteSize > buffer.byteCapacity)
+    if (buffer.byteSize == 0 || buffer.byteSize % format_.bytesPerFrame != 0 ||
+        buffer.byteSize > buffer.byteCapacity)
         return kStatusBadArgument;
     queued_.push_back(&buffer);
     // On the loop's own thread transfer() is running and goes on with the buffer by itself.
@@ -52,22 +64,18 @@ Status PulseQueue::enqueueBuffer(AudioQueueBuffer& buffer) {
 }
 
 Status PulseQueue::start() {
-    {
-        const PulseLock lock(loop());
-        state_.phase = QueueState::Phase::Waiting;
-    }
+    if (started_)
+        return kStatusBadState;
+    started_ = true;
+    state_.phase = QueueState::Phase::Waiting;
     connection_.start();
     return kNoError;
 }
 
 Status PulseQueue::stop() {
-    {
-        const PulseLock lock(loop());
-        delivery_.cancel();
-        closeStream();
-        state_.phase = QueueState::Phase::Stopped;
-    }
     connection_.stop();
+    delivery_.cancel();
+    state_.phase = QueueState::Phase::Stopped;
     return kNoError;
 }
 
@@ -81,13 +89,16 @@ QueueState PulseQueue::state() const {
         const PulseLock lock(loop());
         state = state_;
         state.underruns = underruns_;
+        if (state.phase == QueueState::Phase::Running && pa_rtclock_now() > flowed_ + kFlowPatience)
+            state.phase = QueueState::Phase::Waiting; // connected all the same: the server hangs
     }
     state.deviceName = devices_.description(state.deviceName);
     return state;
 }
 
-void PulseQueue::openStream(const char* device) {
+void PulseQueue::openStream(Target target) {
     closeStream();
+    standIn_ = target == Target::Default && !device_.empty();
     const pa_sample_spec format{PA_SAMPLE_S16LE, static_cast<std::uint32_t>(format_.sampleRate),
                                 static_cast<std::uint8_t>(format_.channelsPerFrame)};
     const PulseProplist properties(pa_proplist_new());
@@ -103,6 +114,7 @@ void PulseQueue::openStream(const char* device) {
         stream_.get(), [](pa_stream*, void* self) { static_cast<PulseQueue*>(self)->onStreamState(); }, this);
     pa_stream_set_moved_callback(
         stream_.get(), [](pa_stream*, void* self) { static_cast<PulseQueue*>(self)->onMoved(); }, this);
+    const char* const device = device_.empty() || standIn_ ? nullptr : device_.c_str();
     if (connectStream(*stream_, device) < 0)
         state_.phase = QueueState::Phase::DeviceLost;
 }
@@ -123,25 +135,31 @@ void PulseQueue::onStreamState() {
     switch (pa_stream_get_state(stream_.get())) {
     case PA_STREAM_READY:
         state_.phase = QueueState::Phase::Running;
+        everRan_ = true;
+        flowed_ = pa_rtclock_now();
         onMoved();
-        streamReady(*stream_);
+        streamReady(*connection_.context(), *stream_);
         break;
     case PA_STREAM_FAILED:
-    case PA_STREAM_TERMINATED: {
-        if (!connection_.context())
-            break; // the server went away: the connection comes back and opens a new stream
-        // A device that was not there when the stream was opened is replaced by the default once.
-        const bool neverRan = state_.phase == QueueState::Phase::Waiting;
-        state_.phase = QueueState::Phase::DeviceLost;
-        if (neverRan && !device_.empty() && !fellBack_) {
-            fellBack_ = true;
-            state_.phase = QueueState::Phase::Waiting;
-            openStream(nullptr);
-        }
+    case PA_STREAM_TERMINATED:
+        onStreamEnd();
         break;
-    }
     default:
         break;
+    }
+}
+
+void PulseQueue::onStreamEnd() {
+    pa_context* const context = connection_.context();
+    if (!context)
+        return; // the server went away: the connection comes back and opens a new stream
+    if (pa_context_errno(context) == PA_ERR_TIMEOUT) {
+        connection_.reconnect(); // the server hangs: that says nothing about the device
+    } else if (!everRan_ && !standIn_ && !device_.empty()) {
+        openStream(Target::Default); // the device was not there when the server was reached
+    } else {
+        state_.phase = QueueState::Phase::DeviceLost;
+        reopen_.start(kReopenInterval); // it may be plugged in again
     }
 }
 
@@ -152,7 +170,9 @@ void PulseQueue::onMoved() {
 }
 
 void PulseQueue::onTransfer(pa_stream* stream, std::size_t, void* self) {
-    static_cast<PulseQueue*>(self)->transfer(*stream);
+    auto& queue = *static_cast<PulseQueue*>(self);
+    queue.flowed_ = pa_rtclock_now();
+    queue.transfer(*stream);
 }
 
 } // namespace sonotrace

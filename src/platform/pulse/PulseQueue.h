@@ -35,7 +35,7 @@ protected:
     /// Connects a new stream to `device`, null for the server's default. Negative on failure.
     virtual int connectStream(pa_stream& stream, const char* device) = 0;
     /// A new stream has begun to run.
-    virtual void streamReady(pa_stream& stream) = 0;
+    virtual void streamReady(pa_context& context, pa_stream& stream) = 0;
     /// The stream can be written or read, or the user has enqueued a buffer.
     virtual void transfer(pa_stream& stream) = 0;
 
@@ -49,19 +49,25 @@ protected:
     std::uint64_t underruns_ = 0;
 
 private:
-    void openStream(const char* device);
+    enum class Target { AskedFor, Default };
+
+    void openStream(Target target);
     void closeStream();
     void onStreamState();
+    void onStreamEnd();
     void onMoved();
 
     const std::string streamName_;
-    std::string device_; ///< the server's name of the device asked for; empty for its default
-    bool fellBack_ =
-        false; ///< the device asked for was not there when the server was reached: the default has to do
+    std::string device_;   ///< the server's name of the device asked for; empty for its default
+    bool started_ = false; ///< window thread
+    bool everRan_ = false; ///< a stream has run since the server was reached
+    bool standIn_ = false; ///< the stream was opened on the default device though another was asked for
+    pa_usec_t flowed_ = 0; ///< when samples were last moved
     std::vector<std::unique_ptr<AudioQueueBuffer>> buffers_;
     QueueState state_;
-    PulseStream stream_;
     PulseConnection connection_;
+    PulseTimer reopen_;
+    PulseStream stream_;
 };
 
 } // namespace sonotrace

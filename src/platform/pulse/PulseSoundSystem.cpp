@@ -9,23 +9,19 @@
 
 namespace sonotrace {
 
-namespace {
-constexpr std::chrono::milliseconds kListPatience{1000};
-}
-
 std::string PulseSoundSystem::name() const {
     return devices_.serverName().find("PipeWire") != std::string::npos ? "PipeWire" : "PulseAudio";
 }
 
 Status PulseSoundSystem::deviceListSize(std::uint32_t& count) {
-    if (!devices_.waitUntilKnown(kListPatience))
+    if (!devices_.waitForFirstList())
         return kStatusTimeout;
     count = static_cast<std::uint32_t>(devices_.devices().size());
     return kNoError;
 }
 
 Status PulseSoundSystem::deviceList(std::vector<DeviceDescription>& devices) {
-    if (!devices_.waitUntilKnown(kListPatience))
+    if (!devices_.waitForFirstList())
         return kStatusTimeout;
     devices.clear();
     for (const PulseDevice& device : devices_.devices()) {
