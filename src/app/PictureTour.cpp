@@ -43,23 +43,36 @@ void PictureTour::prepare(Preferences& preferences) {
         if (slot > 1)
             preferences.setFloat(QStringLiteral("Freq%1").arg(slot), 1000.0 + 100.0 * slot);
     }
-    preferences.setFloat("VolR0", 0.25);
-    preferences.setFloat("VolL1", 0.1);
+    preferences.setFloat("VolR0", 0.0);
+    preferences.setFloat("VolL1", 0.0);
     preferences.setFloat("VolR1", 0.5);
     preferences.setInteger("Enabled0", 1);
     preferences.setInteger("Enabled1", 1);
 
     preferences.setFloat("sweepStart", 20.0);
     preferences.setFloat("sweepEnd", 20000.0);
-    preferences.setFloat("sweepRate", 5000.0);
-    preferences.setFloat("sweepAmplitudeLeft", 0.25);
+    preferences.setFloat("sweepRate", 9000.0);
+    preferences.setFloat("sweepAmplitudeLeft", 0.02);
     preferences.setInteger("sweepLeftEnabled", 1);
+    preferences.setInteger("sweepReverse", 1);
+    preferences.setInteger("sweepEnabled", 1);
 
     preferences.setFloat("spectrumEndFreq", 20000.0);
     preferences.setInteger("spectrumGridCheckbox", 1);
     preferences.setInteger("SPECTRUM_fftSizePopup", 8);
     preferences.setInteger("SPECTRUM_windowPopup", 1);
     preferences.setDouble("SPECTRUM_soundInputVolume", kFullVolume);
+
+    preferences.setFloat("waterfallEndingFreq", 20000.0);
+    preferences.setFloat("waterfallGain", 1.0);
+    preferences.setInteger("waterfallSpeedup", 12);
+    preferences.setDouble("WATERFALL_minDB", 55.0);
+    preferences.setDouble("WATERFALL_maxDB", 105.0);
+    preferences.setInteger("fftSizeLog2", 11);
+    preferences.setInteger("WATERFALL_fftSizePopup", 5);
+    preferences.setInteger("WATERFALL_windowPopup", 1);
+    preferences.setInteger("colorWaterfallPlot", 1);
+    preferences.setDouble("soundInputVolume", kFullVolume);
 
     preferences.setFloat("SCOPE_sweepText", 2.6);
     preferences.setDouble("SCOPE_soundInputVolume", kFullVolume);

@@ -11,6 +11,7 @@
 #include "scope/ScopeController.h"
 #include "spectrum/SpectrumController.h"
 #include "sweep/SweepController.h"
+#include "waterfall/WaterfallController.h"
 #include "widgets/PopUp.h"
 
 #include <QAbstractButton>
@@ -86,8 +87,8 @@ void WindowControl::connectMenu() {
     on(menu_.menuGenerators, &WindowControl::menuGenerators);
     on(menu_.menuSpectrum, &WindowControl::menuSpectrum);
     on(menu_.menuSweep, &WindowControl::menuSweep);
+    on(menu_.menuWaterfall, &WindowControl::menuWaterfall);
     on(menu_.menuWScope, &WindowControl::menuWScope);
-    menu_.menuWaterfall->setEnabled(false); // does not exist yet
     on(menu_.showHelp, &WindowControl::showHelp);
     connect(menu_.quit, &QAction::triggered, qApp, [] { QCoreApplication::exit(0); });
 }
@@ -142,6 +143,10 @@ void WindowControl::menuSweep() {
 
 void WindowControl::menuSpectrum() {
     openTool(spectrumController_, "spectrum", system_, runLoop_, preferences_);
+}
+
+void WindowControl::menuWaterfall() {
+    openTool(waterfallController_, "waterfall", system_, preferences_);
 }
 
 void WindowControl::menuWScope() {

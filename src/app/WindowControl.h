@@ -27,6 +27,7 @@ class ScopeController;
 class SpectrumController;
 class StatusLine;
 class SweepController;
+class WaterfallController;
 
 /// The main controller: owns the generator window, the generators and their output stream, creates the tool
 /// windows on demand and keeps house twice a second. Window thread.
@@ -58,6 +59,7 @@ public Q_SLOTS:
     void menuGenerators();
     void menuSweep();
     void menuSpectrum();
+    void menuWaterfall();
     void menuWScope();
     void menuOpenSettings();
     void menuSaveSettings();
@@ -105,6 +107,7 @@ private:
     QtRunLoop runLoop_;
     std::unique_ptr<SweepController> sweepController_;
     std::unique_ptr<SpectrumController> spectrumController_;
+    std::unique_ptr<WaterfallController> waterfallController_;
     std::unique_ptr<ScopeController> scopeController_;
 };
 

@@ -34,7 +34,9 @@ void InputSource::SetSoundDevices() {
 }
 
 void InputSource::startSound() {
+    Q_EMIT aboutToStart();
     stream_.startSound(controls_.inputPopup->currentIndex());
+    Q_EMIT started();
     SetInputGainSliderVisibility();
     SetInputGain(sliderGain());
     showState();
@@ -43,7 +45,11 @@ void InputSource::startSound() {
 void InputSource::doInputDevice() {
     stopSound();
     startSound();
-    Q_EMIT deviceChanged();
+}
+
+void InputSource::stopSound() {
+    Q_EMIT aboutToStop();
+    stream_.stopSound();
 }
 
 float InputSource::sliderGain() const {

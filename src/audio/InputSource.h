@@ -35,7 +35,7 @@ public:
 
     /// Starts listening to the selected device and sends it the slider's volume.
     void startSound();
-    void stopSound() { stream_.stopSound(); }
+    void stopSound();
 
     /// Peak level of the first channel, 0 to 1.
     float peakLevel() { return stream_.peakLevel(); }
@@ -46,8 +46,10 @@ public:
     const AudioDeviceTable& devices() const { return devices_; }
 
 Q_SIGNALS:
-    /// The user has chosen another device, which is being listened to now.
-    void deviceChanged();
+    void aboutToStop();
+    void aboutToStart();
+    /// The stream runs; the volume has not been sent to the device yet.
+    void started();
 
 private:
     void doInputDevice();

@@ -30,7 +30,7 @@ struct AudibleRange {
 
 void WaterfallImage::myinit() const {
     constexpr std::int32_t kBitsPerPixel = ScrollingBitmap::kBytesPerPixel * 8;
-    systemLog("colorSpaceName: %s", "NSCalibratedRGBColorSpace");
+    systemLog("colorSpaceName: %s", "calibrated RGB");
     systemLog("bitsPerPixel: %d", kBitsPerPixel);
     systemLog("bytesPerRow: %d", ScrollingBitmap::kBytesPerRow);
     systemLog("bytesPerPlane: %d", ScrollingBitmap::kBytesPerRow * ScrollingBitmap::kHeight);

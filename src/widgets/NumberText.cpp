@@ -1,6 +1,7 @@
 #include "widgets/NumberText.h"
 
 #include <charconv>
+#include <cmath>
 #include <limits>
 #include <string>
 #include <string_view>
@@ -9,10 +10,15 @@ namespace sonotrace {
 
 namespace {
 
+constexpr double kPlainLimit = 1e15; // beyond it, and below its inverse, plain notation is mostly zeros
+
 template <typename Number>
 QString shortest(Number value) {
     char text[64];
-    const auto [end, error] = std::to_chars(text, text + sizeof text, value);
+    const double magnitude = std::abs(static_cast<double>(value));
+    const bool plain = magnitude == 0.0 || (magnitude < kPlainLimit && magnitude > 1.0 / kPlainLimit);
+    const auto format = plain ? std::chars_format::fixed : std::chars_format::general;
+    const auto [end, error] = std::to_chars(text, text + sizeof text, value, format);
     return QString::fromLatin1(text, end - text);
 }
 

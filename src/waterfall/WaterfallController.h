@@ -1,0 +1,84 @@
+#pragma once
+
+#include "audio/InputSource.h"
+#include "waterfall/WaterfallAnalysis.h"
+#include "waterfall/WaterfallImage.h"
+#include "waterfall/WaterfallMeasurement.h"
+#include "waterfall/WaterfallParameters.h"
+
+#include <QObject>
+#include <QWidget>
+
+#include <atomic>
+#include <memory>
+
+namespace Ui {
+class WaterfallWindow;
+}
+
+namespace sonotrace {
+
+class Preferences;
+
+/// The waterfall's window: restores and stores its controls, hands their values to the analysis, shows
+/// measurements, and runs the input stream from the moment it is made until the program ends. Window thread;
+/// the capture runs on its stream's own.
+class WaterfallController : public QObject {
+    Q_OBJECT
+
+public:
+    /// All arguments outlive the controller.
+    WaterfallController(SoundSystem& system, Preferences& preferences);
+    ~WaterfallController() override;
+
+    /// Restores the window and starts to listen. Once.
+    void awakeFromNib();
+
+    /// Writes the controls into the preferences.
+    void applicationWillTerminate();
+
+    /// Shows a measurement: Hz, and points right of the time reference.
+    void setMouseHz(float frequency, float deltaX);
+
+    QWidget& window() { return window_; }
+    const WaterfallParameters& parameters() const { return parameters_; }
+    const WaterfallImage& image() const { return *image_; }
+
+public Q_SLOTS:
+    void doFFTSize();
+    void doWindow();
+    void startFreqTextChanged();
+    void endFreqTextChanged();
+    void gainTextChanged();
+    void speedupTextChanged();
+    void receiverTextChanged();
+    void doPlayThru();
+    void doTimestamp();
+    void doUploadButton();
+    void menuSaveWaterfallPicture();
+
+private:
+    void restoreSettings();
+    void fillProvisionalSizes();
+    void fillMenus();
+    void restoreScale();
+    void hideSpareControls();
+    void connectControls();
+    void capture(std::span<const std::int16_t> interleaved);
+    void addBargraphTimer();
+    void updateBargraph();
+
+    SoundSystem& system_;
+    Preferences& preferences_;
+    QWidget window_;
+    const std::unique_ptr<Ui::WaterfallWindow> ui_;
+    WaterfallParameters parameters_;
+    const std::unique_ptr<WaterfallImage> image_; ///< several megabytes
+    WaterfallAnalysis analysis_;
+    WaterfallMeasurement measurement_;
+    std::atomic<std::int32_t> redrawAsked_{0}; ///< by the capture thread, and not yet heard
+    std::unique_ptr<InputSource> source_;
+    int ticks_ = 0;
+};
+
+} // namespace sonotrace
