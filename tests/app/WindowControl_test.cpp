@@ -5,6 +5,7 @@
 #include "platform/loopback/LoopbackSystem.h"
 #include "support/FilePanel.h"
 #include "support/RenderBench.h"
+#include "support/ToolWindow.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -123,15 +124,7 @@ TEST_F(WindowControlTest, ThePanelStandsWhereItShould) {
         titles << find<QComboBox>("waveform0").itemText(i);
     EXPECT_EQ(titles,
               (QStringList{"Sine", "Square", "Sawtooth", "Triangle", "White", "Pink", "Pulse", "Off"}));
-    for (const QWidget* control : control_->window().findChildren<QWidget*>()) {
-        const bool works = qobject_cast<const QAbstractButton*>(control) ||
-                           qobject_cast<const QComboBox*>(control) ||
-                           qobject_cast<const QLineEdit*>(control) || qobject_cast<const QSlider*>(control);
-        if (!works || control->objectName().startsWith("qt_"))
-            continue;
-        EXPECT_FALSE(control->accessibleName().isEmpty()) << control->objectName().toStdString();
-        EXPECT_FALSE(control->toolTip().isEmpty()) << control->objectName().toStdString();
-    }
+    expectDescribedControls(control_->window());
 }
 
 TEST_F(WindowControlTest, ThePollClampsWhatIsTypedAndLeavesTheTextAlone) {
