@@ -124,7 +124,7 @@ TEST_F(WindowControlTest, ThePanelStandsWhereItShould) {
         titles << find<QComboBox>("waveform0").itemText(i);
     EXPECT_EQ(titles,
               (QStringList{"Sine", "Square", "Sawtooth", "Triangle", "White", "Pink", "Pulse", "Off"}));
-    expectDescribedControls(control_->window());
+    expectUsableWindow(control_->window());
 }
 
 TEST_F(WindowControlTest, ThePollClampsWhatIsTypedAndLeavesTheTextAlone) {

@@ -66,7 +66,7 @@ TEST_F(ScopeWindowTest, AnEmptyStorePutsRangeAndTimeBaseAtTheirEnds) {
     EXPECT_EQ(controller_->getTrigger(1), 0.0);
     EXPECT_FALSE(controller_->getInvert(0));
     EXPECT_EQ(find<QLabel>("sweepValue").text(), "10 samples, 0.23 ms");
-    expectDescribedControls(controller_->window());
+    expectUsableWindow(controller_->window());
 }
 
 TEST_F(ScopeWindowTest, ValuesComeBackButARangeOfZeroCountsAsNone) {

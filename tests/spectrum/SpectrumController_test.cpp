@@ -66,7 +66,7 @@ TEST_F(SpectrumWindowTest, AnEmptyStoreGivesTheDefaults) {
     float volume = 1;
     system_.getInputVolume(1, 2, volume);
     EXPECT_EQ(volume, 0.0F) << "the stored volume is sent, and 0 is what an empty store holds";
-    expectDescribedControls(controller_->window());
+    expectUsableWindow(controller_->window());
 }
 
 TEST_F(SpectrumWindowTest, StoredValuesAreClampedComeBackAndSurviveAnything) {

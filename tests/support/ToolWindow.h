@@ -65,8 +65,11 @@ private:
     std::unique_ptr<AudioQueue> queue_;
 };
 
-/// Every control that does something says what, to screen readers and to the mouse.
-inline void expectDescribedControls(const QWidget& window) {
+/// The window fits a small screen, and every control that does something says what, to screen readers and to
+/// the mouse.
+inline void expectUsableWindow(const QWidget& window) {
+    EXPECT_LE(window.minimumSizeHint().width(), 800);
+    EXPECT_LE(window.minimumSizeHint().height(), 560);
     for (const QWidget* control : window.findChildren<QWidget*>()) {
         const bool works = qobject_cast<const QAbstractButton*>(control) ||
                            qobject_cast<const QComboBox*>(control) ||

@@ -80,7 +80,7 @@ TEST_F(WaterfallWindowTest, AnEmptyStoreGivesTheDefaults) {
     for (const char* hidden : {"staticText1", "staticText5", "receiverKHzText", "filenameText",
                                "uploadButton", "timestampButton", "playthruButton"})
         EXPECT_TRUE(find<QWidget>(hidden).isHidden()) << hidden;
-    expectDescribedControls(controller_->window());
+    expectUsableWindow(controller_->window());
     view().grab();
     hear(0.5);
     EXPECT_EQ(controller_->parameters().waterfallFftLen, 128.0)
