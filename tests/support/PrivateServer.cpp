@@ -89,7 +89,10 @@ void PrivateServer::startPipeWire() {
     const auto configuration = folder_ / "XDG_CONFIG_HOME" / "pipewire" / "pipewire.conf.d";
     std::filesystem::create_directories(configuration);
     std::ofstream(configuration / "rate.conf") << "context.properties = { default.clock.rate = 44100 }\n";
-    const std::string script = "pipewire & wireplumber & exec pipewire-pulse";
+    // Its session manager gives up when it comes before the socket.
+    const std::string script =
+        "pipewire & for i in $(seq 200); do [ -S \"$XDG_RUNTIME_DIR/pipewire-0\" ] && break; "
+        "sleep 0.05; done; wireplumber & exec pipewire-pulse";
     processes_.push_back(spawn({"dbus-run-session", "--", "sh", "-c", script}));
     waitFor([this] { return pactl("info").find("Server Name") != std::string::npos; }, 20.0);
     for (const char* sink : kSinks) {
