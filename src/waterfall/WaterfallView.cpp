@@ -8,7 +8,7 @@
 namespace sonotrace {
 
 namespace {
-const QSize kPicture(1536, 1024);
+constexpr QSize kPicture(ScrollingBitmap::kWidth, ScrollingBitmap::kHeight);
 }
 
 WaterfallView::WaterfallView(QWidget* parent) : QWidget(parent) {
@@ -29,6 +29,8 @@ void WaterfallView::paintEvent(QPaintEvent*) {
         return;
     image_->setBounds(width(), height());
     const QSize size = this->size().boundedTo(kPicture);
+    if (size.isEmpty())
+        return;
     if (visible_.size() != size)
         visible_ = QImage(size, QImage::Format_RGBX8888); // what has not been painted yet is black
     image_->copyRows(kPicture.height() - size.height(), size.height(), size.width(), visible_.bits(),
