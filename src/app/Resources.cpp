@@ -8,8 +8,10 @@
 namespace sonotrace {
 
 QString resourcePath(const QString& name) {
-    // Relative to the binary, so that an installed tree can be moved; the second is the build tree's layout.
-    const QStringList folders = {QStringLiteral("../share/sonotrace"), QStringLiteral("../docs")};
+    // Relative to the binary, so that an installed tree can be moved. First its layout, then the build
+    // tree's.
+    const QStringList folders = {"../share/sonotrace", "../share/icons/hicolor/256x256/apps", "../docs",
+                                 "../packaging"};
     for (const QString& folder : folders) {
         const QFileInfo file(QDir(QCoreApplication::applicationDirPath()), folder + QLatin1Char('/') + name);
         if (file.isFile())

@@ -147,13 +147,29 @@ TEST_P(ServerTrouble, AHungServerDoesNotKeepTheProgramFromQuitting) {
 }
 
 TEST(CommandLine, AWrongArgumentGetsOneLineAndStatus2) {
-    const QList<QStringList> lines = {{"--audio", "tape"}, {"--no-such-option"}, {"one", "two"}, {"--audio"}};
+    const QList<QStringList> lines = {{"--audio", "tape"},
+                                      {"--no-such-option"},
+                                      {"/dev/null", "/dev/null"},
+                                      {"--audio"},
+                                      {"/no/such/file"}};
     for (const QStringList& arguments : lines) {
         QProcess process;
+        process.setEnvironment({"XDG_RUNTIME_DIR=/nowhere"}); // no display either
         process.start(SONOTRACE_PROGRAM, arguments);
         ASSERT_TRUE(process.waitForFinished());
         EXPECT_EQ(process.exitCode(), 2) << arguments.join(' ').toStdString();
         EXPECT_EQ(process.readAllStandardError().count("sonotrace: "), 1);
+    }
+}
+
+TEST(CommandLine, HelpAndVersionNeedNoDisplay) {
+    for (const char* option : {"--help", "--version"}) {
+        QProcess process;
+        process.setEnvironment({});
+        process.start(SONOTRACE_PROGRAM, {option});
+        ASSERT_TRUE(process.waitForFinished());
+        EXPECT_EQ(process.exitCode(), 0);
+        EXPECT_TRUE(process.readAllStandardOutput().contains("onotrace")) << option;
     }
 }
 
