@@ -9,11 +9,14 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <algorithm>
+
 namespace sonotrace {
 
 namespace {
 
-constexpr int kGripHeight = 20; // of a title bar, to be within reach on some screen
+constexpr int kFarAway = 1'000'000; // beyond any screen, and safe to add up
+constexpr int kGripHeight = 20;     // of a title bar, to be within reach on some screen
 
 bool isWithinReach(const QRect& frame) {
     for (const QScreen* screen : QGuiApplication::screens()) {
@@ -61,21 +64,29 @@ void Preferences::setInteger(const QString& key, std::int32_t value) {
     store_.setValue(key, value);
 }
 
-void Preferences::restoreFrame(QWidget& window, const QString& key) const {
+QRect Preferences::frame(const QString& key) const {
     const QStringList numbers = store_.value(key).toString().split(u' ');
     if (numbers.size() != 4)
+        return {};
+    const auto number = [&](int i) { return std::clamp(numbers[i].toInt(), -kFarAway, kFarAway); };
+    return {number(0), number(1), number(2), number(3)};
+}
+
+void Preferences::restoreFrame(QWidget& window, const QString& key) const {
+    const QRect stored = frame(key);
+    if (!stored.isValid())
         return;
-    const QRect frame(numbers[0].toInt(), numbers[1].toInt(), numbers[2].toInt(), numbers[3].toInt());
-    if (!frame.isValid())
-        return;
-    window.resize(frame.size().boundedTo(QGuiApplication::primaryScreen()->virtualSize()));
-    if (isWithinReach(frame))
-        window.move(frame.topLeft());
+    window.resize(stored.size().boundedTo(QGuiApplication::primaryScreen()->virtualSize()));
+    if (isWithinReach(stored))
+        window.move(stored.topLeft());
 }
 
 void Preferences::setFrame(const QWidget& window, const QString& key) {
     const QSize size = window.isMaximized() ? window.normalGeometry().size() : window.size();
-    const QPoint corner = window.isMaximized() ? window.normalGeometry().topLeft() : window.pos();
+    QPoint corner = window.isMaximized() ? window.normalGeometry().topLeft() : window.pos();
+    // Wayland does not say where a window is; what another session has stored is worth keeping.
+    if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+        corner = frame(key).topLeft();
     store_.setValue(
         key,
         QStringLiteral("%1 %2 %3 %4").arg(corner.x()).arg(corner.y()).arg(size.width()).arg(size.height()));

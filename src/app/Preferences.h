@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRect>
 #include <QSettings>
 #include <QString>
 
@@ -35,6 +36,8 @@ public:
     bool synchronise();
 
 private:
+    QRect frame(const QString& key) const;
+
     QSettings store_;
 };
 

@@ -191,7 +191,7 @@ TEST_F(WindowControlTest, PreferencesOfAnyKindAreSurvivedAndClamped) {
     writePreferences(
         "Freq0=1e300\nFreq1=nan\nFreq2=-7\nFreq3=@Variant(\\0\\0)\nPhase0=1e9\nVolL0=7\nVolR0=-1\n"
         "GenType0=99\nGenType1=-3\nGenType2=1e99\nEnabled0=12345678901234\nEnabled1=-1\n"
-        "MAIN_outputPopup=77\nGENERATOR_WINDOW_FRAME=99999 -99999 2000000000 2000000000\n");
+        "MAIN_outputPopup=77\nGENERATOR_WINDOW_FRAME=2147483647 -99999 2147483647 2000000000\n");
     launch();
     EXPECT_EQ(slot(0).frequency, 22000);
     EXPECT_EQ(slot(1).frequency, 1);
