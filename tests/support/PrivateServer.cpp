@@ -85,10 +85,16 @@ void PrivateServer::startPulseAudio() {
 }
 
 void PrivateServer::startPipeWire() {
+    const auto configure = [this](const char* folder, const char* file, const char* text) {
+        const auto path = folder_ / "XDG_CONFIG_HOME" / folder;
+        std::filesystem::create_directories(path);
+        std::ofstream(path / file) << text;
+    };
     // Its graph runs at 48 kHz by default, and resamples what comes at 44.1.
-    const auto configuration = folder_ / "XDG_CONFIG_HOME" / "pipewire" / "pipewire.conf.d";
-    std::filesystem::create_directories(configuration);
-    std::ofstream(configuration / "rate.conf") << "context.properties = { default.clock.rate = 44100 }\n";
+    configure("pipewire/pipewire.conf.d", "rate.conf",
+              "context.properties = { default.clock.rate = 44100 }\n");
+    // Its session manager's Bluetooth part needs a login manager, and takes it all down where there is none.
+    configure("wireplumber/bluetooth.lua.d", "80-off.lua", "bluez_monitor.enabled = false\n");
     // Its session manager gives up when it comes before the socket.
     const std::string script =
         "pipewire & for i in $(seq 200); do [ -S \"$XDG_RUNTIME_DIR/pipewire-0\" ] && break; "
