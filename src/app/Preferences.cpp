@@ -10,6 +10,7 @@
 #include <QWidget>
 
 #include <algorithm>
+#include <limits>
 
 namespace sonotrace {
 
@@ -53,7 +54,9 @@ bool Preferences::booleanValue(const QString& key) const {
 }
 
 void Preferences::setFloat(const QString& key, double value) {
-    store_.setValue(key, textFromNumber(static_cast<float>(value)));
+    // What no float can hold comes back as the largest one: the text of an infinity would be read as 0.
+    constexpr double kMost = std::numeric_limits<float>::max();
+    store_.setValue(key, textFromNumber(static_cast<float>(std::clamp(value, -kMost, kMost))));
 }
 
 void Preferences::setDouble(const QString& key, double value) {

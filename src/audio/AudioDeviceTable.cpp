@@ -14,20 +14,22 @@ std::int32_t firstChannels(const StreamConfiguration& streams) {
     return static_cast<std::int32_t>(streams->front());
 }
 
-std::vector<std::string> titles(const std::vector<std::string>& names,
+std::vector<std::string> titles(std::int32_t count, const std::vector<std::string>& names,
                                 const std::vector<std::int32_t>& channels) {
     std::vector<std::string> chosen;
-    for (std::size_t k = 0; k < names.size(); ++k) {
+    for (std::size_t k = 0; k < static_cast<std::size_t>(count); ++k) {
         if (channels[k] > 0)
             chosen.push_back(names[k]);
     }
     return chosen;
 }
 
-std::optional<std::size_t> deviceAt(const std::vector<std::int32_t>& map, int popupIndex) {
+std::optional<std::size_t> deviceAt(std::int32_t count, const std::vector<std::int32_t>& map,
+                                    int popupIndex) {
     if (popupIndex < 0 || static_cast<std::size_t>(popupIndex) >= map.size())
         return std::nullopt;
-    return static_cast<std::size_t>(map[static_cast<std::size_t>(popupIndex)]);
+    const std::int32_t k = map[static_cast<std::size_t>(popupIndex)];
+    return k < count ? std::optional(static_cast<std::size_t>(k)) : std::nullopt; // the maps only ever grow
 }
 
 } // namespace
@@ -106,19 +108,19 @@ void AudioDeviceTable::addInputSide(std::int32_t k, const StreamConfiguration& s
 }
 
 std::vector<std::string> AudioDeviceTable::inputTitles() const {
-    return titles(deviceNames, inputChannels);
+    return titles(deviceCount, deviceNames, inputChannels);
 }
 
 std::vector<std::string> AudioDeviceTable::outputTitles() const {
-    return titles(deviceNames, outputChannels);
+    return titles(deviceCount, deviceNames, outputChannels);
 }
 
 std::optional<std::size_t> AudioDeviceTable::inputDevice(int popupIndex) const {
-    return deviceAt(inputDeviceMap, popupIndex);
+    return deviceAt(deviceCount, inputDeviceMap, popupIndex);
 }
 
 std::optional<std::size_t> AudioDeviceTable::outputDevice(int popupIndex) const {
-    return deviceAt(outputDeviceMap, popupIndex);
+    return deviceAt(deviceCount, outputDeviceMap, popupIndex);
 }
 
 } // namespace sonotrace

@@ -11,8 +11,6 @@ CaptureStream::CaptureStream(SoundSystem& system, const AudioDeviceTable& device
     : system_(system), devices_(devices), variant_(variant), capture_(std::move(capture)) {}
 
 void CaptureStream::startSound(int popupIndex) {
-    format_ = StreamDescription();
-    format_.frameCount = kCaptureFramesPerBuffer;
     const Status created = system_.newInput(
         format_, [this](AudioQueue& queue, AudioQueueBuffer& buffer) { receive(queue, buffer); },
         {.streamName = variant_.streamName, .runLoop = variant_.runLoop}, queue_.slot());
@@ -36,7 +34,8 @@ void CaptureStream::receive(AudioQueue& queue, AudioQueueBuffer& buffer) {
 
 float CaptureStream::peakLevel() {
     LevelMeter channels[2];
-    if (!queue_.get() || queue_.get()->currentLevelMeter(channels) != kNoError)
+    // A stream that has come to a standstill hears nothing, whatever it has measured last.
+    if (state().phase != QueueState::Phase::Running || queue_.get()->currentLevelMeter(channels) != kNoError)
         return 0.0F;
     return channels[0].peakPower;
 }

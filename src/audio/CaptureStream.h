@@ -43,7 +43,7 @@ private:
     const AudioDeviceTable& devices_;
     const CaptureVariant variant_;
     const Capture capture_;
-    StreamDescription format_;
+    const StreamDescription format_{.frameCount = kCaptureFramesPerBuffer};
     StreamQueue queue_;
 };
 

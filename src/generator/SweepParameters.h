@@ -30,9 +30,11 @@ struct SweepParameters {
 
     /// Starts a one-shot pass from the start frequency. Window thread.
     void startOneShot() {
-        oneShot.store(1, std::memory_order_relaxed);
-        done.store(0, std::memory_order_relaxed);
+        // The restart first: a render that sees the pass sees it too, and does not end the pass with the old
+        // one.
         restart.store(1, std::memory_order_relaxed);
+        done.store(0, std::memory_order_relaxed);
+        oneShot.store(1, std::memory_order_release);
         enabled.store(1, std::memory_order_release);
     }
 };

@@ -22,7 +22,7 @@ struct SweepSynthesis::Pass {
           rate(from.rate.load(kRelaxed)),
           log(from.log.load(kRelaxed) != 0),
           reverse(from.reverse.load(kRelaxed) != 0),
-          oneShot(from.oneShot.load(kRelaxed) != 0) {}
+          oneShot(from.oneShot.load(std::memory_order_acquire) != 0) {}
 
     double step(double frequency) const {
         if (!log)
@@ -49,8 +49,9 @@ void SweepSynthesis::addTo(std::span<std::int16_t> interleaved, double count) {
             phase_ += frequency_ * kPeriod / kSampleRate;
             if (phase_ >= kPeriod)
                 phase_ -= kPeriod;
-            // Frequencies below 0, where a reverse sweep can overshoot to, or above the sample rate.
-            if (!(phase_ >= 0.0 && phase_ < kPeriod))
+            // Frequencies below 0, where a reverse sweep can overshoot to, or above the sample rate. Just
+            // below 0 the first entry is still the one that is read.
+            if (!(phase_ > -1.0 && phase_ < kPeriod))
                 phase_ = wrapTablePosition(phase_);
             const double value = sineTable_[static_cast<std::size_t>(phase_)];
             interleaved[i] = addToSample(interleaved[i], left * value);

@@ -47,7 +47,7 @@ struct QueueState {
 
 /// A stream to or from one device. Start: setCurrentDevice, allocateBuffer and enqueueBuffer for each buffer,
 /// start. Stop: stop, dispose. All methods are for the window thread unless they say otherwise, and none of
-/// them waits for the sound server.
+/// them waits for the sound server. Only stop() and dispose() wait for a callback that is running.
 ///
 /// The callback gets each buffer that has been played (to be filled again) or captured (to be read), and
 /// gives it back with enqueueBuffer(). It runs on the queue's own thread, or on the run loop the queue was

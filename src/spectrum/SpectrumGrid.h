@@ -30,8 +30,7 @@ struct DecibelLine {
     GridLabel label;
 };
 
-/// The grids of the spectrum as numbers. Each grid is one path that grows by a line and is stroked after
-/// each: the lines before are painted over once more, which makes their smoothed edges denser.
+/// The grids of the spectrum as numbers, in the order they are painted in.
 struct SpectrumGrid {
     static constexpr double kLineWidth = 1.0;
     static constexpr double kLabelSize = 11.0;     ///< of the bold system font, points

@@ -36,7 +36,10 @@ QString describeSweep(const SweepParameters& sweep) {
         return QObject::tr("Off");
     const QString what =
         sweep.oneShot.load(kRelaxed) != 0 ? QObject::tr("One-shot pass at %1") : QObject::tr("Running at %1");
-    return what.arg(frequencyText(sweep.currentFrequency.load(kRelaxed))) + silenceText(sweep);
+    // A pass that the render has not come to yet is at its start all the same.
+    const bool starting = sweep.restart.load(kRelaxed) != 0;
+    const auto& frequency = starting ? sweep.startFrequency : sweep.currentFrequency;
+    return what.arg(frequencyText(frequency.load(kRelaxed))) + silenceText(sweep);
 }
 
 } // namespace sonotrace

@@ -28,7 +28,7 @@ struct LineStatistics {
 /// window thread, which writes one log line for each. One writer, one reader, no locks.
 class LineStatisticsLog {
 public:
-    static constexpr std::uint32_t kCapacity = 4096; ///< lines between two visits of the window thread
+    static constexpr std::uint32_t kCapacity = 16384; ///< more lines than a buffer of samples is
 
     /// Keeps a line's statistics, or counts the line as lost when the window thread lags behind. Capture
     /// thread.

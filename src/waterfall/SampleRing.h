@@ -18,6 +18,9 @@ public:
     /// Samples that wait to be read, 0 to 499999.
     std::int32_t available() const;
 
+    /// Samples that can be appended before the oldest are overwritten.
+    std::int32_t room() const { return kSamples - 1 - available(); }
+
     std::int16_t next() {
         const std::int16_t sample = waterfallRing_[static_cast<std::size_t>(ringReadIndex_)];
         ringReadIndex_ = after(ringReadIndex_);

@@ -11,6 +11,9 @@ namespace {
 
 // Larger pieces than the buffers of a capture are taken in steps of one, so that the ring cannot overrun.
 constexpr std::size_t kStepSamples = std::size_t{2} * kCaptureFramesPerBuffer;
+
+// Samples to transform for one captured buffer; some 0.2 s of work. What does not fit waits for the next one.
+constexpr std::int64_t kWorkPerBuffer = std::int64_t{1} << 24;
 static_assert(kLargestFrameLength + kCaptureFramesPerBuffer < SampleRing::kSamples);
 
 } // namespace
@@ -19,24 +22,35 @@ WaterfallAnalysis::WaterfallAnalysis(WaterfallParameters& parameters, WaterfallI
     : parameters_(parameters), image_(image), frames_(parameters, ring_) {}
 
 void WaterfallAnalysis::capture(std::span<const std::int16_t> interleaved) {
+    if (pass_.isUnderWay() && pass_.speedup != parameters_.waterfallSpeedup.load(std::memory_order_relaxed))
+        abandonPass();
     while (!interleaved.empty() && !interrupted()) {
         const std::size_t step = std::min(interleaved.size(), kStepSamples);
-        ring_.fold(interleaved.first(step));
+        if (ring_.room() > static_cast<std::int32_t>(step / 2)) // else a long pass is far behind
+            ring_.fold(interleaved.first(step));
         interleaved = interleaved.subspan(step);
         produceAllLines();
     }
 }
 
 void WaterfallAnalysis::produceAllLines() {
-    bool stopped = paused();
-    while (!stopped && !interrupted()) {
+    work_ = kWorkPerBuffer;
+    while (work_ > 0 && !interrupted()) {
+        if (pass_.isUnderWay()) {
+            continuePass();
+            continue;
+        }
+        if (paused()) {
+            ring_.dropWaiting();
+            return;
+        }
         const std::int32_t length = parameters_.frameLength();
         if (ring_.available() <= length)
             return;
-        stopped = !ProduceWaterfallLines(length);
+        ProduceWaterfallLines(length);
     }
-    if (stopped)
-        ring_.dropWaiting();
+    if (interrupted())
+        abandonPass();
 }
 
 bool WaterfallAnalysis::paused() {
@@ -48,30 +62,39 @@ bool WaterfallAnalysis::paused() {
     return speedup > parameters_.frameLength() && speedup > frames_.adoptRequestedLength();
 }
 
-bool WaterfallAnalysis::ProduceWaterfallLines(std::int32_t length) {
+void WaterfallAnalysis::ProduceWaterfallLines(std::int32_t length) {
     const std::int32_t speedup = parameters_.waterfallSpeedup.load(std::memory_order_relaxed);
     if (speedup <= 0 || speedup > length)
-        return false;
+        return; // changed just now
     frames_.updateCoefficients(length);
     if (speedup > 1) {
-        produceOverlappingLines(length, speedup);
-        return true;
+        const double samples = length;
+        pass_ = {.length = length,
+                 .speedup = speedup,
+                 .hop = truncateToInt32(samples / speedup),
+                 .keep = truncateToInt32(samples - samples / speedup)};
+        continuePass();
+        return;
     }
     frames_.takeFrame(length);
     const std::int32_t drawnLength = frames_.produceLine();
     image_.drawFFTLine(frames_.magnitudes(), drawnLength, 1, 1);
-    return true;
+    work_ -= drawnLength;
 }
 
-void WaterfallAnalysis::produceOverlappingLines(std::int32_t length, std::int32_t speedup) {
-    const double samples = length;
-    const std::int32_t hop = truncateToInt32(samples / speedup);
-    const std::int32_t keep = truncateToInt32(samples - samples / speedup);
-    for (std::int32_t k = 0; k < speedup && !interrupted(); ++k) {
-        frames_.slideFrame(length, hop, keep);
+void WaterfallAnalysis::continuePass() {
+    for (; pass_.isUnderWay() && work_ > 0 && !interrupted(); ++pass_.next) {
+        frames_.slideFrame(pass_.length, pass_.hop, pass_.keep);
         const std::int32_t drawnLength = frames_.produceSlidLine(); // a new length shows at once
-        image_.drawFFTLine(frames_.magnitudes(), drawnLength, speedup - k, k == 0 ? speedup : 0);
+        image_.drawFFTLine(frames_.magnitudes(), drawnLength, pass_.speedup - pass_.next,
+                           pass_.next == 0 ? pass_.speedup : 0);
+        work_ -= drawnLength;
     }
+}
+
+void WaterfallAnalysis::abandonPass() {
+    pass_ = {};
+    ring_.dropWaiting();
 }
 
 } // namespace sonotrace

@@ -22,6 +22,10 @@ namespace sonotrace {
 /// picture: what is captured meanwhile is dropped, so that a sane value goes on with what is heard then.
 /// Drawing on from no new samples would paint the same line for ever, and choosing another factor than the
 /// one in the field would make its time axis wrong.
+///
+/// The longest transform with the largest speed-up makes minutes of work from three seconds of samples. A
+/// pass therefore goes on over as many buffers as it needs, a bounded piece with each; samples that come
+/// while the ring is full are lost, and another speed-up ends it.
 class WaterfallAnalysis {
 public:
     WaterfallAnalysis(WaterfallParameters& parameters, WaterfallImage& image);
@@ -30,25 +34,37 @@ public:
     void capture(std::span<const std::int16_t> interleaved);
 
     /// Makes capture() return after the line it is at, and take nothing in from then on, until resume(). For
-    /// the time a queue is being stopped: a pass with the longest transform and the largest speed-up takes
-    /// minutes, and the window must not wait for it. Any thread.
+    /// the time a queue is being stopped, so that the window need not wait for the lines. Any thread.
     void interrupt() { interrupted_.store(1, std::memory_order_relaxed); }
     void resume() { interrupted_.store(0, std::memory_order_relaxed); }
 
 private:
+    /// A pass of overlapping lines, all of them with the numbers it began with.
+    struct Pass {
+        std::int32_t length = 0;
+        std::int32_t speedup = 0;
+        std::int32_t hop = 0;
+        std::int32_t keep = 0;
+        std::int32_t next = 0; ///< line
+
+        bool isUnderWay() const { return next < speedup; }
+    };
+
     bool interrupted() const { return interrupted_.load(std::memory_order_relaxed) != 0; }
     bool paused();
     void produceAllLines();
 
-    /// One pass: `length` samples of the ring, which holds as many, become `waterfallSpeedup` lines. Returns
-    /// false without consuming anything when the picture is paused.
-    bool ProduceWaterfallLines(std::int32_t length);
-    void produceOverlappingLines(std::int32_t length, std::int32_t speedup);
+    /// Turns `length` samples of the ring, which holds as many, into a line, or begins a pass with them.
+    void ProduceWaterfallLines(std::int32_t length);
+    void continuePass();
+    void abandonPass(); ///< and goes on with fresh samples
 
     WaterfallParameters& parameters_;
     WaterfallImage& image_;
     SampleRing ring_;
     WaterfallFrames frames_;
+    Pass pass_;
+    std::int64_t work_ = 0; ///< samples that may still be transformed for this buffer
     std::atomic<std::int32_t> interrupted_{0};
 };
 

@@ -42,17 +42,17 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
       preferences_(preferences),
       ui_(std::make_unique<Ui::WaterfallWindow>()),
       image_(std::make_unique<WaterfallImage>(parameters_)),
-      analysis_(parameters_, *image_),
       measurement_(parameters_) {
     systemLog("- (void)init");
     ui_->setupUi(&window_);
+    analysis_.emplace(parameters_, *image_);
     window_.setAttribute(Qt::WA_QuitOnClose, false);
     window_.resize(kDefaultSize);
     for (QLabel* label : {ui_->minDBText, ui_->maxDBText})
         label->setMinimumWidth(label->sizeHint().width()); // its longest text: the slider beside it stays put
     const CaptureVariant variant{.streamName = "Waterfall",
                                  .runLoop = nullptr,
-                                 .printsEnqueue = false,
+                                 .printsEnqueue = true,
                                  .metersLevel = true,
                                  .startDiagnostic = "zWaterfallQueueIn"};
     source_ = std::make_unique<InputSource>(
@@ -60,8 +60,8 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
         InputControls{ui_->inputPopup, ui_->soundInputVolume2, ui_->inputStatus},
         [this](std::span<const std::int16_t> interleaved) { capture(interleaved); });
     // A long pass of lines must not keep the window waiting for its end.
-    connect(source_.get(), &InputSource::aboutToStop, this, [this] { analysis_.interrupt(); });
-    connect(source_.get(), &InputSource::aboutToStart, this, [this] { analysis_.resume(); });
+    connect(source_.get(), &InputSource::aboutToStop, this, [this] { analysis_->interrupt(); });
+    connect(source_.get(), &InputSource::aboutToStart, this, [this] { analysis_->resume(); });
     connect(source_.get(), &InputSource::started, this, &WaterfallController::addBargraphTimer);
 }
 
@@ -184,7 +184,7 @@ void WaterfallController::connectControls() {
 
 /// Capture thread.
 void WaterfallController::capture(std::span<const std::int16_t> interleaved) {
-    analysis_.capture(interleaved);
+    analysis_->capture(interleaved);
     if (redrawAsked_.exchange(1, kRelaxed) != 0)
         return; // the window has not come to the last one yet
     QMetaObject::invokeMethod(

@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <memory>
+#include <optional>
 
 namespace Ui {
 class WaterfallWindow;
@@ -74,7 +75,7 @@ private:
     const std::unique_ptr<Ui::WaterfallWindow> ui_;
     WaterfallParameters parameters_;
     const std::unique_ptr<WaterfallImage> image_; ///< several megabytes
-    WaterfallAnalysis analysis_;
+    std::optional<WaterfallAnalysis> analysis_;
     WaterfallMeasurement measurement_;
     std::atomic<std::int32_t> redrawAsked_{0}; ///< by the capture thread, and not yet heard
     std::unique_ptr<InputSource> source_;

@@ -15,6 +15,7 @@ WaterfallView::WaterfallView(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_OpaquePaintEvent);
     setMaximumSize(kPicture);
     setCursor(Qt::CrossCursor);
+    setFocusPolicy(Qt::ClickFocus);
 }
 
 void WaterfallView::show(WaterfallImage& image) {

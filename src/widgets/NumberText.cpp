@@ -29,10 +29,13 @@ bool beginsNumber(std::string_view text) {
     return isDigit(text[0]) || (text[0] == '.' && text.size() > 1 && isDigit(text[1]));
 }
 
-/// Whether an out-of-range number is tiny rather than huge: its exponent says so.
+/// Whether a number that no double can hold is tiny rather than huge: its exponent says so, or, without one,
+/// that it has no digit but 0 before the point.
 bool isTiny(std::string_view number) {
-    return number.find("e-") != std::string_view::npos || number.find("E-") != std::string_view::npos ||
-           number.front() == '0' || number.front() == '.';
+    const std::size_t exponent = number.find_first_of("eE");
+    if (exponent != std::string_view::npos)
+        return number[exponent + 1] == '-';
+    return number.find_first_not_of('0') == number.find('.');
 }
 
 } // namespace

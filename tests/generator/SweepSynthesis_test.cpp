@@ -30,6 +30,8 @@ TEST(Sweep, EveryKindOfPassIsExact) {
         {"back and forth", 500, 3000, 9000, 1, 0, 0, 0, 8, 0x1A653638, 2837.9591836729596, 1, 0},
         {"downward", 9000, 30, 90000, 0, 0, 0, 0, 4, 0x8526DE4B, 4071.4285714275015, 1, 0},
         {"downward and back, once", 9000, 300, 90000, 1, 0, 1, 0, 10, 0x6AD309EA, 5995.918367346283, 0, 1},
+        {"downward and back, from where the program starts", 9000, 300, 90000, 1, 0, 0, 0, 12, 0xFA2705FC,
+         644.8979591836705, 1, 0},
         {"logarithmic among voices", 20, 20000, 90000, 0, 1, 0, 3, 4, 0x77EBD21E, 61.59464977538537, 1, 0},
     };
     for (const SweepCase& pass : cases) {

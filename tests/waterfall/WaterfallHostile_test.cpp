@@ -94,5 +94,30 @@ TEST(HostileValues, KeepALargeViewWithinThePicture) {
     waterfall.image.drawFFTLine({}, 64, 1, 1);
 }
 
+TEST(HostileValues, MakeABufferTakeItsTimeButNotMore) {
+    constexpr std::int32_t kLength = 8192;
+    const std::vector<std::int16_t> sound = tone(40, 1024, 1000.0, 11025);
+    const auto paintedColumns = [](const Waterfall& waterfall) {
+        return std::pair(waterfall.pixel(1023 - 40, 0) != 0, waterfall.pixel(1023 - 40, 799) != 0);
+    };
+    Waterfall waterfall;
+    // 4096 lines of 8192 samples are the work of two buffers. The view holds the last 800 of them.
+    const Values laborious{.endFreq = 4400.0, .length = kLength, .requestedLog2 = 13, .speedup = kLength / 2};
+    laborious.applyTo(waterfall);
+    waterfall.analysis.capture(sound);
+    EXPECT_EQ(paintedColumns(waterfall), std::pair(false, false));
+    waterfall.analysis.capture(sound);
+    EXPECT_EQ(paintedColumns(waterfall), std::pair(true, true));
+
+    // One that nobody wants any more is not waited for.
+    Waterfall corrected;
+    laborious.applyTo(corrected);
+    corrected.analysis.capture(sound);
+    corrected.loggedLines();
+    Values{}.applyTo(corrected);
+    corrected.analysis.capture(sound);
+    EXPECT_EQ(corrected.loggedLines().size(), 10U);
+}
+
 } // namespace
 } // namespace sonotrace

@@ -125,10 +125,10 @@ TEST(WaterfallImage, LogsTheExtremesOfEachLineAndOfLinesThatFoundNoView) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "minSum:1e+07  maxSum:0  minV:999  maxV:0\n"
                                                       "minSum:0.5  maxSum:10000  minV:0  maxV:65.1293\n");
 
-    for (int line = 0; line < 4096 + 5; ++line)
+    for (int line = 0; line < 16384 + 5; ++line)
         waterfall.image.drawFFTLine(magnitudes, 64, 1, 1);
     EXPECT_EQ(waterfall.image.unloggedLines(), 5U);
-    EXPECT_EQ(waterfall.loggedLines().size(), 4096U);
+    EXPECT_EQ(waterfall.loggedLines().size(), 16384U);
     waterfall.image.drawFFTLine(magnitudes, 64, 1, 1);
     EXPECT_EQ(waterfall.loggedLines().size(), 1U);
 }

@@ -19,7 +19,7 @@ LoopbackQueue::~LoopbackQueue() {
 void LoopbackQueue::play(std::span<std::int16_t> interleaved) {
     while (!interleaved.empty()) {
         if (queued_.empty()) {
-            ++underruns_;
+            underruns_.fetch_add(1, std::memory_order_relaxed);
             return;
         }
         AudioQueueBuffer& buffer = *queued_.front();
@@ -38,11 +38,12 @@ void LoopbackQueue::play(std::span<std::int16_t> interleaved) {
 }
 
 void LoopbackQueue::capture(std::span<const std::int16_t> interleaved) {
-    if (metering_)
+    if (metering_.load(std::memory_order_relaxed))
         level_.add(interleaved);
     while (!interleaved.empty()) {
         if (queued_.empty()) {
-            ++underruns_; // the user holds all buffers: these samples have nowhere to go
+            underruns_.fetch_add(
+                1, std::memory_order_relaxed); // the user holds all buffers: these samples have nowhere to go
             return;
         }
         AudioQueueBuffer& buffer = *queued_.front();
@@ -98,23 +99,20 @@ Status LoopbackQueue::dispose() {
 }
 
 Status LoopbackQueue::enableLevelMetering(bool enabled) {
-    const std::lock_guard lock(wire_->mutex());
-    metering_ = enabled;
+    metering_.store(enabled, std::memory_order_relaxed);
     return kNoError;
 }
 
 Status LoopbackQueue::currentLevelMeter(std::span<LevelMeter> channels) {
-    const std::lock_guard lock(wire_->mutex());
     level_.read(channels);
     return kNoError;
 }
 
 QueueState LoopbackQueue::state() const {
-    const std::lock_guard lock(wire_->mutex());
     QueueState state;
     state.phase = running_ ? QueueState::Phase::Running : QueueState::Phase::Stopped;
     state.deviceName = kLoopbackDeviceName;
-    state.underruns = underruns_;
+    state.underruns = underruns_.load(std::memory_order_relaxed);
     return state;
 }
 

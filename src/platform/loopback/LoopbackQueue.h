@@ -5,6 +5,7 @@
 #include "platform/LevelAccumulator.h"
 #include "platform/SoundSystem.h"
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <memory>
@@ -49,10 +50,10 @@ private:
     std::vector<std::unique_ptr<AudioQueueBuffer>> buffers_;
     std::deque<AudioQueueBuffer*> queued_;
     std::size_t position_ = 0; ///< samples of the first queued buffer that have been played or captured
-    bool running_ = false;
-    bool metering_ = false;
+    bool running_ = false;     ///< window thread
+    std::atomic<bool> metering_{false};
     LevelAccumulator level_;
-    std::uint64_t underruns_ = 0;
+    std::atomic<std::uint64_t> underruns_{0};
 };
 
 inline constexpr const char* kLoopbackDeviceName = "Built-in Loopback";

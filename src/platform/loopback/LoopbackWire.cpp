@@ -29,7 +29,7 @@ void LoopbackWire::passBlock(std::span<std::int16_t> interleaved) {
     }
     for (std::size_t s = 0; s < interleaved.size(); ++s) {
         // Exact at full volume, so that a loopback measurement has no error of its own.
-        interleaved[s] = static_cast<std::int16_t>(static_cast<float>(interleaved[s]) * volumes_[s % 2]);
+        interleaved[s] = static_cast<std::int16_t>(static_cast<float>(interleaved[s]) * volume(s % 2));
     }
     for (std::size_t i = 0; i < queues_.size(); ++i) {
         if (queues_[i]->isInput())
@@ -46,16 +46,6 @@ void LoopbackWire::connect(LoopbackQueue& queue) {
 void LoopbackWire::disconnect(LoopbackQueue& queue) {
     const std::lock_guard lock(mutex_);
     std::erase(queues_, &queue);
-}
-
-float LoopbackWire::volume(std::size_t channel) {
-    const std::lock_guard lock(mutex_);
-    return volumes_[channel];
-}
-
-void LoopbackWire::setVolume(std::size_t channel, float volume) {
-    const std::lock_guard lock(mutex_);
-    volumes_[channel] = volume;
 }
 
 } // namespace sonotrace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <mutex>
 #include <span>
@@ -23,9 +24,11 @@ public:
     void connect(LoopbackQueue& queue);
     void disconnect(LoopbackQueue& queue);
 
-    /// Input volume of the left (0) and right (1) channel, 0 to 1.
-    float volume(std::size_t channel);
-    void setVolume(std::size_t channel, float volume);
+    /// Input volume of the left (0) and right (1) channel, 0 to 1. Any thread.
+    float volume(std::size_t channel) const { return volumes_[channel].load(std::memory_order_relaxed); }
+    void setVolume(std::size_t channel, float volume) {
+        volumes_[channel].store(volume, std::memory_order_relaxed);
+    }
 
     std::recursive_mutex& mutex() { return mutex_; }
 
@@ -34,7 +37,7 @@ private:
 
     std::recursive_mutex mutex_;
     std::vector<LoopbackQueue*> queues_;
-    std::array<float, 2> volumes_{1.0F, 1.0F};
+    std::array<std::atomic<float>, 2> volumes_{1.0F, 1.0F};
 };
 
 } // namespace sonotrace

@@ -11,13 +11,11 @@ constexpr std::uint32_t kFragmentFrames =
 }
 
 Status PulseInputQueue::enableLevelMetering(bool enabled) {
-    const PulseLock lock(loop());
-    metering_ = enabled;
+    metering_.store(enabled, std::memory_order_relaxed);
     return kNoError;
 }
 
 Status PulseInputQueue::currentLevelMeter(std::span<LevelMeter> channels) {
-    const PulseLock lock(loop());
     level_.read(channels);
     return kNoError;
 }
@@ -53,8 +51,8 @@ void PulseInputQueue::transfer(pa_stream& stream) {
         const auto* const samples = static_cast<const std::int16_t*>(data); // null for a hole
         if (fragmentPosition_ == 0) {
             if (!samples)
-                ++underruns_;
-            else if (metering_)
+                countUnderrun();
+            else if (metering_.load(std::memory_order_relaxed))
                 level_.add({samples, bytes / sizeof(std::int16_t)});
         }
         const std::size_t stored = store(samples, bytes);
@@ -75,7 +73,7 @@ void PulseInputQueue::watchForLoss(pa_stream& stream) {
     const std::size_t waiting = pa_stream_readable_size(&stream);
     const bool lost = waiting == waiting_;
     if (lost && !losing_)
-        ++underruns_;
+        countUnderrun();
     losing_ = lost;
     waiting_ = waiting;
 }

@@ -8,7 +8,7 @@ int PulseOutputQueue::connectStream(pa_stream& stream, const char* device) {
     written_ = 0;
     pa_stream_set_write_callback(&stream, &PulseQueue::onTransfer, static_cast<PulseQueue*>(this));
     pa_stream_set_underflow_callback(
-        &stream, [](pa_stream*, void* self) { ++static_cast<PulseOutputQueue*>(self)->underruns_; }, this);
+        &stream, [](pa_stream*, void* self) { static_cast<PulseOutputQueue*>(self)->countUnderrun(); }, this);
     const std::uint32_t bufferBytes = format_.bufferBytes();
     pa_buffer_attr attributes;
     attributes.maxlength = 2 * kBuffersPerQueue * bufferBytes;

@@ -26,7 +26,7 @@ PulseQueue::PulseQueue(PulseDevices& devices, const StreamDescription& format, C
                        [this] {
                            reopen_.cancel();
                            closeStream();
-                           state_.phase = QueueState::Phase::Waiting;
+                           setPhase(QueueState::Phase::Waiting);
                        }},
                   PulseConnection::FirstAttempt::OnlyConnects),
       reopen_(connection_.loop(), [this] { openStream(Target::AskedFor); }) {}
@@ -67,7 +67,7 @@ Status PulseQueue::start() {
     if (started_)
         return kStatusBadState;
     started_ = true;
-    state_.phase = QueueState::Phase::Waiting;
+    setPhase(QueueState::Phase::Waiting);
     connection_.start();
     return kNoError;
 }
@@ -75,7 +75,7 @@ Status PulseQueue::start() {
 Status PulseQueue::stop() {
     connection_.stop();
     delivery_.cancel();
-    state_.phase = QueueState::Phase::Stopped;
+    setPhase(QueueState::Phase::Stopped);
     return kNoError;
 }
 
@@ -86,14 +86,20 @@ Status PulseQueue::dispose() {
 QueueState PulseQueue::state() const {
     QueueState state;
     {
-        const PulseLock lock(loop());
+        const std::lock_guard lock(stateMutex_);
         state = state_;
-        state.underruns = underruns_;
-        if (state.phase == QueueState::Phase::Running && pa_rtclock_now() > flowed_ + kFlowPatience)
-            state.phase = QueueState::Phase::Waiting; // connected all the same: the server hangs
     }
+    state.underruns = underruns_.load(std::memory_order_relaxed);
+    const pa_usec_t flowed = flowed_.load(std::memory_order_relaxed);
+    if (state.phase == QueueState::Phase::Running && pa_rtclock_now() > flowed + kFlowPatience)
+        state.phase = QueueState::Phase::Waiting; // connected all the same: the server hangs
     state.deviceName = devices_.description(state.deviceName);
     return state;
+}
+
+void PulseQueue::setPhase(QueueState::Phase phase) {
+    const std::lock_guard lock(stateMutex_);
+    state_.phase = phase;
 }
 
 void PulseQueue::openStream(Target target) {
@@ -107,7 +113,7 @@ void PulseQueue::openStream(Target target) {
     stream_.reset(pa_stream_new_with_proplist(connection_.context(), streamName_.c_str(), &format, nullptr,
                                               properties.get()));
     if (!stream_) {
-        state_.phase = QueueState::Phase::DeviceLost;
+        setPhase(QueueState::Phase::DeviceLost);
         return;
     }
     pa_stream_set_state_callback(
@@ -116,7 +122,7 @@ void PulseQueue::openStream(Target target) {
         stream_.get(), [](pa_stream*, void* self) { static_cast<PulseQueue*>(self)->onMoved(); }, this);
     const char* const device = device_.empty() || standIn_ ? nullptr : device_.c_str();
     if (connectStream(*stream_, device) < 0)
-        state_.phase = QueueState::Phase::DeviceLost;
+        setPhase(QueueState::Phase::DeviceLost);
 }
 
 void PulseQueue::closeStream() {
@@ -134,9 +140,9 @@ void PulseQueue::closeStream() {
 void PulseQueue::onStreamState() {
     switch (pa_stream_get_state(stream_.get())) {
     case PA_STREAM_READY:
-        state_.phase = QueueState::Phase::Running;
+        flowed_.store(pa_rtclock_now(), std::memory_order_relaxed);
+        setPhase(QueueState::Phase::Running);
         everRan_ = true;
-        flowed_ = pa_rtclock_now();
         onMoved();
         streamReady(*connection_.context(), *stream_);
         break;
@@ -158,20 +164,21 @@ void PulseQueue::onStreamEnd() {
     } else if (!everRan_ && !standIn_ && !device_.empty()) {
         openStream(Target::Default); // the device was not there when the server was reached
     } else {
-        state_.phase = QueueState::Phase::DeviceLost;
+        setPhase(QueueState::Phase::DeviceLost);
         reopen_.start(kReopenInterval); // it may be plugged in again
     }
 }
 
 void PulseQueue::onMoved() {
     const char* const name = pa_stream_get_device_name(stream_.get());
+    const std::lock_guard lock(stateMutex_);
     state_.deviceName = name ? name : "";
     state_.moved = !device_.empty() && state_.deviceName != device_;
 }
 
 void PulseQueue::onTransfer(pa_stream* stream, std::size_t, void* self) {
     auto& queue = *static_cast<PulseQueue*>(self);
-    queue.flowed_ = pa_rtclock_now();
+    queue.flowed_.store(pa_rtclock_now(), std::memory_order_relaxed);
     queue.transfer(*stream);
 }
 

@@ -5,8 +5,10 @@
 #include "platform/SoundSystem.h"
 #include "platform/pulse/PulseConnection.h"
 
+#include <atomic>
 #include <deque>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -15,7 +17,7 @@ namespace sonotrace {
 class PulseDevices;
 
 /// What output and input queues on the sound server have in common: the stream's life, the buffers, the
-/// state. Each queue has a connection of its own, whose lock guards everything in it.
+/// state. Each queue has a connection of its own, whose lock guards what its thread works with.
 class PulseQueue : public AudioQueue {
 public:
     ~PulseQueue() override;
@@ -46,11 +48,12 @@ protected:
     const StreamDescription format_;
     CallbackDelivery delivery_;
     std::deque<AudioQueueBuffer*> queued_; ///< enqueued, the oldest first
-    std::uint64_t underruns_ = 0;
+    void countUnderrun() { underruns_.fetch_add(1, std::memory_order_relaxed); }
 
 private:
     enum class Target { AskedFor, Default };
 
+    void setPhase(QueueState::Phase phase);
     void openStream(Target target);
     void closeStream();
     void onStreamState();
@@ -62,9 +65,12 @@ private:
     bool started_ = false; ///< window thread
     bool everRan_ = false; ///< a stream has run since the server was reached
     bool standIn_ = false; ///< the stream was opened on the default device though another was asked for
-    pa_usec_t flowed_ = 0; ///< when samples were last moved
+    std::atomic<pa_usec_t> flowed_{0}; ///< when samples were last moved
+    std::atomic<std::uint64_t> underruns_{0};
     std::vector<std::unique_ptr<AudioQueueBuffer>> buffers_;
-    QueueState state_;
+    // Not the connection's lock: that is held while a callback runs, which may take its time.
+    mutable std::mutex stateMutex_;
+    QueueState state_; ///< under stateMutex_; changes only when the stream begins, ends or moves
     PulseConnection connection_;
     PulseTimer reopen_;
     PulseStream stream_;
