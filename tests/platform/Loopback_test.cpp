@@ -1,5 +1,6 @@
 #include "platform/loopback/LoopbackSystem.h"
 
+#include "support/HeldCallback.h"
 #include "support/ManualRunLoop.h"
 
 #include <gtest/gtest.h>
@@ -168,6 +169,10 @@ TEST(LoopbackClock, PassesTimeByItself) {
     const int stopped = buffers;
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
     EXPECT_EQ(buffers, stopped);
+}
+
+TEST_F(LoopbackTest, IsReadWhileACallbackRuns) {
+    expectReadingsDuringACallback(system_, "loopback", [this] { system_.advance(2205); });
 }
 
 } // namespace

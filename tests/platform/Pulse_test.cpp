@@ -1,5 +1,6 @@
 #include "platform/pulse/PulseSoundSystem.h"
 
+#include "support/HeldCallback.h"
 #include "support/ManualRunLoop.h"
 #include "support/PrivateServer.h"
 
@@ -171,6 +172,10 @@ TEST_F(PulseTest, ListsInputsFirstAndTheDefaultsBeforeTheOthers) {
     for (const DeviceDescription& device : devices)
         EXPECT_EQ(ids[*device.uid], device.id) << "ids stay";
     EXPECT_EQ(system_.name(), "PulseAudio");
+}
+
+TEST_F(PulseTest, IsReadWhileACallbackRuns) {
+    expectReadingsDuringACallback(system_, "speaker.monitor", [] {});
 }
 
 TEST_F(PulseTest, SetsTheVolumeOfOneInputChannelAsAMixerShowsIt) {
