@@ -21,8 +21,8 @@ constexpr double kFullVolume = 1000.0;
 constexpr int kSettling = 3500; // ms until every instrument has something to show
 
 QPalette darkPalette() {
-    QPalette palette(QColor(0x2b, 0x2b, 0x2e), QColor(0x2b, 0x2b, 0x2e));
-    palette.setColor(QPalette::Base, QColor(0x1c, 0x1c, 0x1e));
+    QPalette palette(QColor(0x3a, 0x3a, 0x3e), QColor(0x36, 0x36, 0x3a));
+    palette.setColor(QPalette::Base, QColor(0x24, 0x24, 0x27));
     palette.setColor(QPalette::Highlight, QColor(0x3d, 0x7e, 0xc9));
     return palette;
 }

@@ -65,8 +65,8 @@ private:
     std::unique_ptr<AudioQueue> queue_;
 };
 
-/// The window fits a small screen, and every control that does something says what, to screen readers and to
-/// the mouse.
+/// The window fits a small screen, and every control that does something is reached with the Tab key and says
+/// what it does, to screen readers and to the mouse.
 inline void expectUsableWindow(const QWidget& window) {
     EXPECT_LE(window.minimumSizeHint().width(), 800);
     EXPECT_LE(window.minimumSizeHint().height(), 560);
@@ -76,6 +76,7 @@ inline void expectUsableWindow(const QWidget& window) {
                            qobject_cast<const QLineEdit*>(control) || qobject_cast<const QSlider*>(control);
         if (!works || control->objectName().startsWith("qt_"))
             continue;
+        EXPECT_TRUE(control->focusPolicy() & Qt::TabFocus) << control->objectName().toStdString();
         EXPECT_FALSE(control->accessibleName().isEmpty()) << control->objectName().toStdString();
         EXPECT_FALSE(control->accessibleDescription().isEmpty()) << control->objectName().toStdString();
         EXPECT_FALSE(control->toolTip().isEmpty()) << control->objectName().toStdString();

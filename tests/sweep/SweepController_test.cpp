@@ -1,14 +1,10 @@
 #include "sweep/SweepController.h"
 
-#include "app/Preferences.h"
-#include "support/RenderBench.h"
+#include "support/ToolWindow.h"
 
 #include <QCheckBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
-#include <QSlider>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -16,7 +12,7 @@
 namespace sonotrace {
 namespace {
 
-class SweepWindowTest : public testing::Test {
+class SweepWindowTest : public StoreTest {
 protected:
     SweepWindowTest() {
         preferences_.setFloat("sweepStart", 20);
@@ -31,16 +27,11 @@ protected:
 
     template <typename Control>
     Control& find(const char* name) {
-        auto* control = controller_->window().findChild<Control*>(name);
-        if (!control)
-            throw std::runtime_error(std::string("no control ") + name);
-        return *control;
+        return StoreTest::find<Control>(controller_->window(), name);
     }
 
     QString state() { return find<QLabel>("sweepState").text(); }
 
-    QTemporaryDir folder_;
-    Preferences preferences_{folder_.filePath("preferences")};
     RenderBench bench_;
     std::unique_ptr<SweepController> controller_;
 };
@@ -57,6 +48,7 @@ TEST_F(SweepWindowTest, AFirstOpeningLoadsTheFirstRunValuesAndIsSilent) {
     EXPECT_EQ(find<QLineEdit>("rate").text(), "90000");
     EXPECT_EQ(find<QLabel>("amplitudeLeftReadout").text(), "0.0 %");
     EXPECT_EQ(state(), "Off");
+    expectUsableWindow(controller_->window());
     find<QCheckBox>("enabledCheck").click();
     EXPECT_TRUE(QTest::qWaitFor([&] { return state() == "Running at 0.0 Hz – silent: no channel is on"; }));
     find<QCheckBox>("rightEnabled").click();
