@@ -19,6 +19,8 @@ void raise(std::atomic<std::int32_t>& peak, std::int32_t magnitude) {
 } // namespace
 
 void LevelAccumulator::add(std::span<const std::int16_t> interleaved) {
+    if (!enabled_.load(kRelaxed))
+        return;
     std::int32_t peaks[2] = {0, 0};
     std::int64_t sums[2] = {0, 0};
     for (std::size_t i = 0; i + 1 < interleaved.size(); i += 2) {

@@ -12,6 +12,9 @@ namespace sonotrace {
 /// thread reads; neither waits for the other.
 class LevelAccumulator {
 public:
+    /// Off until it is switched on: add() then costs nothing. Window thread.
+    void enable(bool enabled) { enabled_.store(enabled, std::memory_order_relaxed); }
+
     /// The queue's thread.
     void add(std::span<const std::int16_t> interleaved);
 
@@ -25,6 +28,7 @@ private:
         std::atomic<std::int32_t> peak{0};
         std::atomic<std::int64_t> sum{0};
     };
+    std::atomic<bool> enabled_{false};
     Channel channels_[2];
     std::atomic<std::int64_t> frames_{0};
     LevelMeter last_[2];

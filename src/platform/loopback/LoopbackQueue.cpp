@@ -38,8 +38,7 @@ void LoopbackQueue::play(std::span<std::int16_t> interleaved) {
 }
 
 void LoopbackQueue::capture(std::span<const std::int16_t> interleaved) {
-    if (metering_.load(std::memory_order_relaxed))
-        level_.add(interleaved);
+    level_.add(interleaved);
     while (!interleaved.empty()) {
         if (queued_.empty()) {
             underruns_.fetch_add(
@@ -99,7 +98,7 @@ Status LoopbackQueue::dispose() {
 }
 
 Status LoopbackQueue::enableLevelMetering(bool enabled) {
-    metering_.store(enabled, std::memory_order_relaxed);
+    level_.enable(enabled);
     return kNoError;
 }
 

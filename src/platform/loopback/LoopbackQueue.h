@@ -51,7 +51,6 @@ private:
     std::deque<AudioQueueBuffer*> queued_;
     std::size_t position_ = 0; ///< samples of the first queued buffer that have been played or captured
     bool running_ = false;     ///< window thread
-    std::atomic<bool> metering_{false};
     LevelAccumulator level_;
     std::atomic<std::uint64_t> underruns_{0};
 };

@@ -11,7 +11,7 @@ constexpr std::uint32_t kFragmentFrames =
 }
 
 Status PulseInputQueue::enableLevelMetering(bool enabled) {
-    metering_.store(enabled, std::memory_order_relaxed);
+    level_.enable(enabled);
     return kNoError;
 }
 
@@ -52,7 +52,7 @@ void PulseInputQueue::transfer(pa_stream& stream) {
         if (fragmentPosition_ == 0) {
             if (!samples)
                 countUnderrun();
-            else if (metering_.load(std::memory_order_relaxed))
+            else
                 level_.add({samples, bytes / sizeof(std::int16_t)});
         }
         const std::size_t stored = store(samples, bytes);

@@ -31,7 +31,6 @@ private:
     std::size_t bufferPosition_ = 0;   ///< bytes of the first queued buffer that are filled
     std::size_t waiting_ = 0;          ///< bytes kept by the library since there is no buffer to fill
     bool losing_ = false;              ///< it has no room for more
-    std::atomic<bool> metering_{false};
     LevelAccumulator level_;
 };
 
