@@ -40,7 +40,7 @@ void writeFirstRunDefaults(Preferences& preferences) {
     preferences.setFloat("sweepStart", 20.0);
     preferences.setFloat("sweepEnd", 20000.0);
     preferences.setFloat("sweepRate", 90000.0);
-    preferences.setFloat("sweepAmplitude", 100.0); // nobody reads it; older stores hold it
+    preferences.setFloat("sweepAmplitude", 100.0); // nobody reads it
     preferences.setFloat("spectrumStartFreq", 0.0);
     preferences.setFloat("spectrumEndFreq", 20000.0);
     preferences.setInteger("spectrumNumAvg", 1);

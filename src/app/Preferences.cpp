@@ -79,7 +79,8 @@ void Preferences::restoreFrame(QWidget& window, const QString& key) const {
     const QRect stored = frame(key);
     if (!stored.isValid())
         return;
-    window.resize(stored.size().boundedTo(QGuiApplication::primaryScreen()->virtualSize()));
+    if (const QScreen* screen = QGuiApplication::primaryScreen())
+        window.resize(stored.size().boundedTo(screen->virtualSize()));
     if (isWithinReach(stored))
         window.move(stored.topLeft());
 }

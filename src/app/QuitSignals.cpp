@@ -4,6 +4,7 @@
 #include <QSocketNotifier>
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
@@ -19,14 +20,17 @@ std::atomic<int> quitPipe{-1};
 static_assert(std::atomic<int>::is_always_lock_free);
 
 void onSignal(int) {
+    const int interrupted = errno;
     const char byte = 0;
     // A full pipe already says what is to be said.
     [[maybe_unused]] const auto written = write(quitPipe.load(std::memory_order_relaxed), &byte, 1);
+    errno = interrupted;
 }
 
 } // namespace
 
 QuitSignals::QuitSignals() {
+    std::signal(SIGPIPE, SIG_IGN); // nobody reads the log any more: no reason to end
     if (pipe2(ends_, O_NONBLOCK | O_CLOEXEC) != 0)
         return;
     quitPipe.store(ends_[1], std::memory_order_relaxed);

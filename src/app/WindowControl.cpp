@@ -217,7 +217,9 @@ void WindowControl::openSettings(const QString& path) {
         panel_->setSlot(slot, all[static_cast<std::size_t>(slot)]);
     const QString name = QFileInfo(path).fileName();
     if (!opened)
-        status_->showNotice(tr("%1 cannot be read: %2").arg(name, file.errorString()));
+        status_->showNotice(
+            tr("%1 cannot be read: %2")
+                .arg(name, QFileInfo(path).isFile() ? file.errorString() : tr("no such file")));
     else if (block.size() < static_cast<qint64>(kSettingsFileBytes))
         status_->showNotice(tr("%1 is too short for a settings file: the rest counts as zero").arg(name));
     else
@@ -263,9 +265,9 @@ void WindowControl::applicationWillTerminate() {
         saveGeneratorSlot(preferences_, slot, panel_->slotSettings(slot));
     preferences_.setInteger(kOutputKey, outputPopup_->currentIndex());
     preferences_.setFrame(*window_, kFrameKey);
-    systemLog("Output underruns: %d", static_cast<int>(output_.state().underruns));
     if (!preferences_.synchronise())
         systemLog("The preferences cannot be written");
+    systemLog("Output underruns: %d", static_cast<int>(output_.state().underruns));
     systemLog("applicationWillTerminate");
 }
 

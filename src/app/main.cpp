@@ -9,6 +9,7 @@
 #include <QIcon>
 #include <QTemporaryDir>
 
+#include <clocale>
 #include <cstdio>
 
 namespace {
@@ -40,6 +41,7 @@ int main(int argc, char** argv) {
     if (!arguments)
         return status;
     QApplication application(argc, argv);
+    std::setlocale(LC_NUMERIC, "C"); // numbers have a point in every field, text and log line
     QApplication::setDesktopFileName("sonotrace");
     QApplication::setWindowIcon(QIcon(resourcePath("sonotrace.png")));
 
@@ -50,7 +52,9 @@ int main(int argc, char** argv) {
     Preferences preferences;
     WindowControl control(*system, preferences);
     control.awakeFromNib();
-    if (!arguments->settings.isEmpty())
+    if (!arguments->settings.isEmpty()) {
         control.openSettings(arguments->settings);
+        control.syncPhases();
+    }
     return QApplication::exec();
 }

@@ -15,7 +15,7 @@ public:
         // 3.1415927 and not pi: it lies just above pi, which makes entry 5000 slightly negative, and with it
         // the two halves of the square wave equally long.
         for (std::size_t i = 0; i < entries_.size(); ++i)
-            entries_[i] = std::sin(static_cast<double>(i) / 5000.0 * 3.1415927) * 32767.0 + 0.0;
+            entries_[i] = std::sin(static_cast<double>(i) / 5000.0 * 3.1415927) * 32767.0;
     }
 
     const double* data() const { return entries_.data(); }

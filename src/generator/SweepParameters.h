@@ -30,12 +30,22 @@ struct SweepParameters {
 
     /// Starts a one-shot pass from the start frequency. Window thread.
     void startOneShot() {
-        // The restart first: a render that sees the pass sees it too, and does not end the pass with the old
-        // one.
-        restart.store(1, std::memory_order_relaxed);
-        done.store(0, std::memory_order_relaxed);
-        oneShot.store(1, std::memory_order_release);
-        enabled.store(1, std::memory_order_release);
+        // In this order, and in the same one for all threads: see endPass().
+        restart.store(1);
+        done.store(0);
+        oneShot.store(1);
+        enabled.store(1);
+    }
+
+    /// Ends a one-shot pass, unless the user has started a new one meanwhile. Audio thread.
+    void endPass() {
+        if (restart.load() != 0)
+            return;
+        enabled.store(0);
+        done.store(1);
+        oneShot.store(0);
+        if (restart.load() != 0) // just now: some of it may have come before the above and be lost
+            startOneShot();
     }
 };
 

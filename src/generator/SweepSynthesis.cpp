@@ -22,7 +22,7 @@ struct SweepSynthesis::Pass {
           rate(from.rate.load(kRelaxed)),
           log(from.log.load(kRelaxed) != 0),
           reverse(from.reverse.load(kRelaxed) != 0),
-          oneShot(from.oneShot.load(std::memory_order_acquire) != 0) {}
+          oneShot(from.oneShot.load() != 0) {}
 
     double step(double frequency) const {
         if (!log)
@@ -59,7 +59,7 @@ void SweepSynthesis::addTo(std::span<std::int16_t> interleaved, double count) {
             step = pass.step(frequency_);
         }
         if (advance(pass, step) && sounding && pass.oneShot) {
-            endPass();
+            parameters_.endPass();
             sounding = false;
         }
     }
@@ -98,15 +98,6 @@ bool SweepSynthesis::advance(const Pass& pass, double step) {
         frequency_ = pass.end;
     returning_ = false;
     return true;
-}
-
-void SweepSynthesis::endPass() {
-    // A new pass that the user has started meanwhile is left alone.
-    if (parameters_.restart.load(kRelaxed) != 0)
-        return;
-    parameters_.enabled.store(0, kRelaxed);
-    parameters_.done.store(1, kRelaxed);
-    parameters_.oneShot.store(0, kRelaxed);
 }
 
 } // namespace sonotrace

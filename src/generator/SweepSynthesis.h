@@ -25,7 +25,6 @@ private:
 
     void takeOver(const Pass& pass);
     bool advance(const Pass& pass, double step);
-    void endPass();
 
     SweepParameters& parameters_;
     const SineTable& sineTable_;

@@ -67,7 +67,9 @@ std::array<std::byte, kWavHeaderBytes> wavHeader(int channels, int rateSelector,
 WavRecorder::WavRecorder() : ring_(kRingBytes / kFrameBytes), flushBuffer_(kRingBytes / kFrameBytes) {}
 
 bool WavRecorder::start(const std::filesystem::path& path) {
-    file_.reset(std::fopen(path.c_str(), "wb"));
+    std::error_code unknown;
+    const bool fifo = std::filesystem::is_fifo(path, unknown); // would be waited for until somebody reads it
+    file_.reset(fifo ? nullptr : std::fopen(path.c_str(), "wb"));
     if (!file_) {
         recording_.store(0, std::memory_order_relaxed);
         return false;

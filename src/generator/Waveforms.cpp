@@ -31,14 +31,14 @@ void inBlocks(Samples samples, Produce produce, Mix mix) {
 }
 
 /// Steps through the sine table and mixes valueAt(index) for each frame. The loop subtracts a period at most
-/// once a frame, which keeps the position inside for frequencies from 0 to the sample rate; others are
-/// wrapped in full.
+/// once a frame, which keeps the position inside for frequencies from 0 to below the sample rate; others
+/// are wrapped in full.
 template <typename ValueAt>
 void addFromTable(Samples samples, const VoiceSettings& voice, VoiceState& state, ValueAt valueAt) {
     const double offset = voice.phase * kPeriod / 360.0;
     const double step = voice.frequency * kPeriod / kSampleRate;
     double position = wrapTablePosition(state.accumulator + offset);
-    const bool tame = step >= 0.0 && step <= kPeriod;
+    const bool tame = step >= 0.0 && step < kPeriod;
     inBlocks<double>(
         samples,
         [&](std::span<double> values) {

@@ -22,7 +22,8 @@ public:
     ScopeTrace();
 
     /// Searches both triggers and computes the lines for a view of `width` by `height` points. The second
-    /// channel's search starts where the first channel's trace does, so that the two show the same time.
+    /// channel's search starts where the first channel's trace does, so that it is never triggered before the
+    /// first.
     void build(const ScopeControls& controls, const ScopeCapture& capture, double width, double height);
 
     /// A channel's line: its start, then a corner per sample (the first of them is the start once more).

@@ -41,7 +41,7 @@ double hamming(Position p) {
 
 /// The first radian of a cosine, 1.0 down to cos(1). The quotient is rounded to single precision.
 double tukey(Position p) {
-    return std::cos(static_cast<double>(p.i / p.n)) + 0.0;
+    return std::cos(static_cast<double>(p.i / p.n));
 }
 
 double halfSine(Position p) {

@@ -20,8 +20,8 @@ const QSize kDefaultSize(960, 620);
 constexpr int kTicksPerState = 10; // the line below the plot needs no faster look
 constexpr float kFullBrightness = 1000.0F;
 
-/// The log lines of the frequencies have always shown part of the number's bits, not the number. Kept, so
-/// that logs stay comparable, as the low half of the double.
+/// The log lines of the frequencies show part of the number's bits, the low half of the double, not the
+/// number.
 int loggedBits(double value) {
     return static_cast<int>(std::bit_cast<std::uint64_t>(value) & 0xFFFFFFFFU);
 }

@@ -27,7 +27,7 @@ std::vector<FrequencyLine> frequencyLines(const SpectrumGeometry& geometry, cons
     for (std::int32_t i = 0; i <= count; ++i) {
         const double offset = i * spacing;
         double frequency = geometry.hzPerPixel * offset + display.spectrumStartFreq;
-        // The logarithmic labels have always named the place a line further on and a margin back.
+        // The logarithmic labels name the place a line further on and a margin back.
         if (display.logMode != 0)
             frequency = std::pow(10.0, ((i + 1) * spacing - geometry.left) * geometry.logStep);
         lines.push_back({geometry.left + offset + 2.0,

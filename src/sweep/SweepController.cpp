@@ -135,7 +135,7 @@ void SweepController::doAmplitudeLeft() {
 }
 
 void SweepController::doAmplitudeRight() {
-    systemLog("amplitudeRight"); // the one line without "do"; logs are searched for it
+    systemLog("amplitudeRight"); // the one line without "do"
     parameters_.amplitudeRight.store(ui_->amplitudeRight->doubleValue(), kRelaxed);
 }
 

@@ -32,7 +32,7 @@ QString decibels(const char* format, double value) {
     return QString::asprintf(format, truncateToInt32(value));
 }
 
-/// Kept in the interface for programs that drive it; there is nothing to upload to.
+/// There is nothing to upload to.
 void UploadThread(const char*) {}
 
 } // namespace
@@ -236,7 +236,7 @@ void WaterfallController::endFreqTextChanged() {
 }
 
 void WaterfallController::gainTextChanged() {
-    systemLog("endFreqTextChanged"); // the text of its neighbour, as logs have always had it
+    systemLog("endFreqTextChanged"); // the text of its neighbour
     parameters_.waterfallGain.store(ui_->gainText->doubleValue(), kRelaxed);
 }
 

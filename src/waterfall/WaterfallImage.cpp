@@ -68,7 +68,7 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
     steps_.setLimits(parameters_.waterfallMinDB.load(kRelaxed), parameters_.waterfallMaxDB.load(kRelaxed));
     const auto& pixels =
         parameters_.colorWaterfallPlot.load(kRelaxed) != 0 ? colors_.colors() : colors_.greys();
-    const std::int32_t column = truncateToInt32(static_cast<double>(bounds.width) - offset + 0.0);
+    const std::int32_t column = truncateToInt32(static_cast<double>(bounds.width) - offset);
     const bool scrolls = scroll > 0 && scroll < ScrollingBitmap::kWidth;
     const bool paints = column >= 0 && column < ScrollingBitmap::kWidth;
 

@@ -23,7 +23,7 @@ public:
     double doubleValue() const { return value_; }
     std::int32_t integerValue() const; ///< truncated
 
-    /// Sets the value, pinned to the limits; NaN gives the minimum. Does not Q_EMIT valueEdited().
+    /// Sets the value, pinned to the limits; NaN gives the minimum. Does not emit valueEdited().
     void setDoubleValue(double value);
 
 Q_SIGNALS:

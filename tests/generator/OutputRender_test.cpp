@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 
 namespace sonotrace {
 namespace {
@@ -128,6 +129,19 @@ TEST(OutputRender, SurvivesWhateverTheBankHoldsAndRecoversWithSaneSettings) {
             ASSERT_NEAR(samples[i], samples[i + 200], 700)
                 << waveform << " at " << i; // 441 Hz: 100 frames a period
     }
+}
+
+TEST(OutputRender, NeverReadsPastTheTableHoweverTheSumRounds) {
+    RenderBench bench;
+    // The table is alone in memory, so that the address sanitizer sees a read past its end.
+    const auto table = std::make_unique<SineTable>();
+    OutputRender output(bench.bank, bench.sweep, *table, bench.recorder);
+    // The position is the last number below 10000. Another 10000 makes it 20000 in double precision.
+    bench.set(0, {44100, 359.99999999999994, 1, 1, 0, 1});
+    std::vector<std::int16_t> samples(10000);
+    output.render(samples);
+    EXPECT_GE(*std::ranges::min_element(samples), 0);
+    EXPECT_LE(*std::ranges::max_element(samples), 21); // entry 9999 is -20.6, and the output is inverted
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <sys/stat.h>
 #include <tuple>
 #include <unistd.h>
 
@@ -94,6 +95,8 @@ TEST_F(WavRecorderTest, ASecondRecordingsHeaderCountsTheFirst) {
 
 TEST_F(WavRecorderTest, SaysWhatItCannotWriteAndGoesOn) {
     EXPECT_FALSE(recorder_.start(folder_ / "no such folder" / "a.wav"));
+    ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(recorder_.start(folder_ / "pipe")) << "without waiting for a reader";
     EXPECT_FALSE(recorder_.isRecording());
     play(5000);
     EXPECT_TRUE(recorder_.flush());

@@ -7,7 +7,7 @@
 
 namespace sonotrace {
 
-/// A loopback whose device list is the test's, and that remembers which device its volume was asked for.
+/// A loopback whose device list is the test's.
 class DeviceListSystem : public LoopbackSystem {
 public:
     explicit DeviceListSystem(std::vector<DeviceDescription> devices, Status status = kNoError)

@@ -18,8 +18,8 @@ using PulseContext = std::unique_ptr<pa_context, PulseDeleter>;
 using PulseStream = std::unique_ptr<pa_stream, PulseDeleter>;
 using PulseProplist = std::unique_ptr<pa_proplist, PulseDeleter>;
 
-/// Holds a main loop's lock; on the loop's own thread, which holds it already, it does nothing. The lock is
-/// only ever held for a few lines: the loop never waits for the server with it.
+/// Holds a main loop's lock; on the loop's own thread, which holds it already, it does nothing. The loop
+/// never waits for the server with it, but it holds it while a queue's callback runs.
 class PulseLock {
 public:
     explicit PulseLock(pa_threaded_mainloop* loop)

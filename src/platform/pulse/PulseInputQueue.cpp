@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace sonotrace {
 
@@ -22,6 +23,7 @@ Status PulseInputQueue::currentLevelMeter(std::span<LevelMeter> channels) {
 
 int PulseInputQueue::connectStream(pa_stream& stream, const char* device) {
     fragmentPosition_ = 0;
+    fragmentSeen_ = false;
     waiting_ = 0;
     pa_stream_set_read_callback(&stream, &PulseQueue::onTransfer, static_cast<PulseQueue*>(this));
     pa_buffer_attr attributes;
@@ -49,7 +51,7 @@ void PulseInputQueue::transfer(pa_stream& stream) {
         if (pa_stream_peek(&stream, &data, &bytes) < 0 || bytes == 0)
             return;
         const auto* const samples = static_cast<const std::int16_t*>(data); // null for a hole
-        if (fragmentPosition_ == 0) {
+        if (!std::exchange(fragmentSeen_, true)) {
             if (!samples)
                 countUnderrun();
             else
@@ -64,6 +66,7 @@ void PulseInputQueue::transfer(pa_stream& stream) {
             return; // no buffer to fill: goes on when one is enqueued
         }
         fragmentPosition_ = 0;
+        fragmentSeen_ = false;
         pa_stream_drop(&stream);
     }
 }

@@ -28,6 +28,7 @@ private:
     void watchForLoss(pa_stream& stream);
 
     std::size_t fragmentPosition_ = 0; ///< bytes of the stream's next fragment that are stored already
+    bool fragmentSeen_ = false;        ///< it is measured, and counted if it is a hole
     std::size_t bufferPosition_ = 0;   ///< bytes of the first queued buffer that are filled
     std::size_t waiting_ = 0;          ///< bytes kept by the library since there is no buffer to fill
     bool losing_ = false;              ///< it has no room for more

@@ -113,7 +113,7 @@ void PulseQueue::openStream(Target target) {
     stream_.reset(pa_stream_new_with_proplist(connection_.context(), streamName_.c_str(), &format, nullptr,
                                               properties.get()));
     if (!stream_) {
-        setPhase(QueueState::Phase::DeviceLost);
+        tryAgainLater();
         return;
     }
     pa_stream_set_state_callback(
@@ -122,7 +122,13 @@ void PulseQueue::openStream(Target target) {
         stream_.get(), [](pa_stream*, void* self) { static_cast<PulseQueue*>(self)->onMoved(); }, this);
     const char* const device = device_.empty() || standIn_ ? nullptr : device_.c_str();
     if (connectStream(*stream_, device) < 0)
-        setPhase(QueueState::Phase::DeviceLost);
+        tryAgainLater();
+}
+
+/// The device may be plugged in again.
+void PulseQueue::tryAgainLater() {
+    setPhase(QueueState::Phase::DeviceLost);
+    reopen_.start(kReopenInterval);
 }
 
 void PulseQueue::closeStream() {
@@ -164,8 +170,7 @@ void PulseQueue::onStreamEnd() {
     } else if (!everRan_ && !standIn_ && !device_.empty()) {
         openStream(Target::Default); // the device was not there when the server was reached
     } else {
-        setPhase(QueueState::Phase::DeviceLost);
-        reopen_.start(kReopenInterval); // it may be plugged in again
+        tryAgainLater();
     }
 }
 

@@ -55,6 +55,7 @@ private:
 
     void setPhase(QueueState::Phase phase);
     void openStream(Target target);
+    void tryAgainLater();
     void closeStream();
     void onStreamState();
     void onStreamEnd();
