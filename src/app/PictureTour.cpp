@@ -2,6 +2,7 @@
 
 #include "app/Preferences.h"
 #include "app/WindowControl.h"
+#include "generator/GeneratorBank.h"
 
 #include <QAction>
 #include <QApplication>
@@ -37,7 +38,7 @@ void PictureTour::prepare(Preferences& preferences) {
     preferences.setFloat("Freq0", 1000.0);
     preferences.setFloat("Freq1", 3000.0);
     preferences.setInteger("GenType1", 1);
-    for (int slot = 0; slot < 13; ++slot) {
+    for (int slot = 0; slot < kGeneratorCount; ++slot) {
         preferences.setFloat(QStringLiteral("VolL%1").arg(slot), 1.0);
         preferences.setFloat(QStringLiteral("VolR%1").arg(slot), 1.0);
         if (slot > 1)
@@ -92,7 +93,7 @@ void PictureTour::begin() {
 void PictureTour::openWindows() {
     const QString recording = folder_.filePath("tone.wav");
     if (!control_.startRecording(recording))
-        std::fprintf(stderr, "sonotrace: %s cannot be created\n", qUtf8Printable(recording));
+        report(recording, false);
     for (const char* name : {"menuSweep", "menuSpectrum", "menuWaterfall", "menuWScope"}) {
         auto* item = control_.window().findChild<QAction*>(QLatin1String(name));
         if (item && item->isEnabled())
@@ -106,8 +107,10 @@ void PictureTour::finish() {
     QCoreApplication::processEvents();
     takePictures(QStringLiteral("-dark"));
     control_.doStopRecordingFileMenu();
-    std::printf("%s\n", qUtf8Printable(folder_.filePath("tone.wav")));
-    QCoreApplication::exit(0);
+    const QString recording = folder_.filePath("tone.wav");
+    if (QFileInfo(recording).isFile())
+        report(recording, true);
+    QCoreApplication::exit(failed_ ? 1 : 0);
 }
 
 void PictureTour::takePictures(const QString& suffix) {
@@ -115,11 +118,16 @@ void PictureTour::takePictures(const QString& suffix) {
         if (!window->isVisible() || window->objectName().isEmpty())
             continue;
         const QString path = folder_.filePath(window->objectName() + suffix + QStringLiteral(".png"));
-        if (window->grab().save(path))
-            std::printf("%s\n", qUtf8Printable(path));
-        else
-            std::fprintf(stderr, "sonotrace: %s cannot be written\n", qUtf8Printable(path));
+        report(path, window->grab().save(path));
     }
+}
+
+void PictureTour::report(const QString& path, bool written) {
+    failed_ = failed_ || !written;
+    if (written)
+        std::printf("%s\n", qUtf8Printable(path));
+    else
+        std::fprintf(stderr, "sonotrace: %s cannot be written\n", qUtf8Printable(path));
 }
 
 } // namespace sonotrace

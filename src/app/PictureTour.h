@@ -31,9 +31,11 @@ private:
     void openWindows();
     void finish();
     void takePictures(const QString& suffix);
+    void report(const QString& path, bool written);
 
     WindowControl& control_;
     const QDir folder_;
+    bool failed_ = false; ///< something could not be written: the exit status says so
 };
 
 } // namespace sonotrace

@@ -185,15 +185,7 @@ void WaterfallController::connectControls() {
 /// Capture thread.
 void WaterfallController::capture(std::span<const std::int16_t> interleaved) {
     analysis_->capture(interleaved);
-    if (redrawAsked_.exchange(1, kRelaxed) != 0)
-        return; // the window has not come to the last one yet
-    QMetaObject::invokeMethod(
-        this,
-        [this] {
-            redrawAsked_.store(0, kRelaxed);
-            ui_->mainView->update();
-        },
-        Qt::QueuedConnection);
+    redrawAsked_.store(1, kRelaxed); // posting an event would allocate
 }
 
 /// One more with every start of the stream; they all keep going.
@@ -211,6 +203,8 @@ void WaterfallController::updateBargraph() {
     ui_->minDBText->setText(decibels("Min dB: %d", ui_->minDbSlider->doubleValue()));
     ui_->maxDBText->setText(decibels("Max dB: %d", ui_->maxDbSlider->doubleValue()));
     image_->writeLineLog();
+    if (redrawAsked_.exchange(0, kRelaxed) != 0)
+        ui_->mainView->update();
     if (++ticks_ % kTicksPerState == 0)
         source_->showState();
 }
