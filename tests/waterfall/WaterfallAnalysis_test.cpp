@@ -1,5 +1,11 @@
 #include "WaterfallFixture.h"
 
+#include "waterfall/WaterfallTransform.h"
+
+#include <algorithm>
+#include <complex>
+#include <limits>
+
 namespace sonotrace {
 namespace {
 
@@ -60,8 +66,7 @@ TEST(WaterfallAnalysis, ShowsASteadyToneInItsRowAtTheRightEdge) {
 
 TEST(WaterfallAnalysis, NeedsMoreThanAFrameOfSamplesForALine) {
     Waterfall waterfall;
-    waterfall.parameters.waterfallFftLen = 64.0;
-    waterfall.parameters.fftSizeLog2 = 6;
+    waterfall.setFrames(64, 6, 1);
     showEveryBin(waterfall);
     for (const auto& [frames, lines] : {std::pair{64, 0U}, {1, 1U}, {63, 0U}, {1, 1U}, {6400, 100U}}) {
         waterfall.analysis.capture(scatteredFrames(frames));
@@ -69,110 +74,58 @@ TEST(WaterfallAnalysis, NeedsMoreThanAFrameOfSamplesForALine) {
     }
 }
 
-struct GoldenLine {
-    std::size_t line;
-    double smallest, largest; // magnitudes of the bins shown
-};
-
-struct PassCase {
-    const char* name;
+struct Pass {
     double length;              ///< in force at first
     std::int32_t requestedLog2; ///< taken up by the first line
     std::int32_t speedup;
     double startFreq, endFreq;
-    std::size_t lines; ///< of 11025 frames
-    std::vector<GoldenLine> golden;
 };
+
+struct GoldenLine {
+    std::size_t line;
+    double smallest, largest; ///< magnitudes of the bins shown
+};
+
+void expectLines(const char* what, const Pass& pass, std::size_t count,
+                 const std::vector<GoldenLine>& expected) {
+    SCOPED_TRACE(what);
+    Waterfall waterfall;
+    waterfall.setFrames(pass.length, pass.requestedLog2, pass.speedup);
+    showEveryBin(waterfall, pass.startFreq, pass.endFreq);
+    waterfall.analysis.capture(scatteredFrames(11025));
+    const std::vector<LoggedLine> lines = waterfall.loggedLines();
+    ASSERT_EQ(lines.size(), count);
+    for (const GoldenLine& golden : expected) {
+        EXPECT_NEAR(lines[golden.line].minSum, golden.smallest, 1e-5 * golden.largest) << golden.line;
+        EXPECT_NEAR(lines[golden.line].maxSum, golden.largest, 1e-5 * golden.largest) << golden.line;
+    }
+}
 
 // The numbers come from a separate double-precision model of the work areas, stale remainders included.
 TEST(WaterfallAnalysis, DrawsTheLinesOfTheModel) {
-    const PassCase cases[] = {
-        PassCase{"one line a frame",
-                 1024.0,
-                 10,
-                 1,
-                 0.0,
-                 22050.0,
-                 10,
-                 {{0, 1277.45082, 276946.209}, {1, 522.476809, 276892.865}, {9, 328.164614, 277444.484}}},
-        PassCase{"three lines a frame, of which a sample is never used",
-                 1024.0,
-                 10,
-                 3,
-                 0.0,
-                 22050.0,
-                 30,
-                 {{0, 25.1711871, 47804.5229},
-                  {1, 98.5099679, 102291.209},
-                  {2, 79.1383626, 125506.096},
-                  {3, 92.5557279, 125137.23},
-                  {4, 73.7182236, 125783.761},
-                  {29, 84.721364, 125142.866}}},
-        PassCase{"a shorter length between frames",
-                 8192.0,
-                 10,
-                 1,
-                 0.0,
-                 22050.0,
-                 3,
-                 {{0, 35.8966077, 27224.8435}, {1, 219.444423, 277805.469}, {2, 328.164614, 277444.484}}},
-        PassCase{"what is left behind a shorter frame",
-                 8192.0,
-                 10,
-                 1,
-                 22050.0,
-                 44000.0,
-                 3,
-                 {{0, 10.5409961, 665.207194}, {2, 10.5409961, 665.207194}}},
-        PassCase{"a shorter length inside a pass",
-                 1024.0,
-                 9,
-                 3,
-                 0.0,
-                 22050.0,
-                 60,
-                 {{1, 35.1261483, 45184.2465},
-                  {2, 192.808978, 86827.4126},
-                  {3, 142.049904, 57663.7203},
-                  {4, 77.9178584, 57775.9409},
-                  {5, 190.322159, 81602.2726},
-                  {59, 238.00193, 81140.7869}}},
-        PassCase{"a longer length inside a pass",
-                 64.0,
-                 8,
-                 5,
-                 0.0,
-                 22050.0,
-                 215,
-                 {{1, 95.7126111, 77153.6975},
-                  {2, 8758.93589, 233599.214},
-                  {5, 66.5383552, 11904.818},
-                  {214, 318.404062, 43027.0256}}}};
-    for (const PassCase& c : cases) {
-        SCOPED_TRACE(c.name);
-        Waterfall waterfall;
-        waterfall.parameters.waterfallFftLen = c.length;
-        waterfall.parameters.fftSizeLog2 = c.requestedLog2;
-        waterfall.parameters.waterfallSpeedup = c.speedup;
-        showEveryBin(waterfall, c.startFreq, c.endFreq);
-        waterfall.analysis.capture(scatteredFrames(11025));
-        const std::vector<LoggedLine> lines = waterfall.loggedLines();
-        ASSERT_EQ(lines.size(), c.lines);
-        for (const GoldenLine& golden : c.golden) {
-            EXPECT_NEAR(lines[golden.line].minSum, golden.smallest, 1e-5 * golden.largest) << golden.line;
-            EXPECT_NEAR(lines[golden.line].maxSum, golden.largest, 1e-5 * golden.largest) << golden.line;
-        }
-    }
+    expectLines("one line a frame", {1024, 10, 1, 0, 22050}, 10,
+                {{0, 1277.451, 276946.21}, {1, 522.477, 276892.86}, {9, 328.165, 277444.48}});
+    expectLines(
+        "three lines a frame, of which a sample is never used", {1024, 10, 3, 0, 22050}, 30,
+        {{0, 25.171, 47804.52}, {2, 79.138, 125506.10}, {4, 73.718, 125783.76}, {29, 84.721, 125142.87}});
+    expectLines("a shorter length between frames", {8192, 10, 1, 0, 22050}, 3,
+                {{0, 35.897, 27224.84}, {1, 219.444, 277805.47}, {2, 328.165, 277444.48}});
+    expectLines("what is left behind a shorter frame", {8192, 10, 1, 22050, 44000}, 3,
+                {{0, 10.541, 665.207}, {2, 10.541, 665.207}});
+    expectLines(
+        "a shorter length inside a pass", {1024, 9, 3, 0, 22050}, 60,
+        {{1, 35.126, 45184.25}, {3, 142.050, 57663.72}, {5, 190.322, 81602.27}, {59, 238.002, 81140.79}});
+    expectLines(
+        "a longer length inside a pass", {64, 8, 5, 0, 22050}, 215,
+        {{1, 95.713, 77153.70}, {2, 8758.936, 233599.21}, {5, 66.538, 11904.82}, {214, 318.404, 43027.03}});
+    expectLines("a longer length, which alone has room for the speed-up", {64, 10, 100, 0, 22050}, 1100, {});
 }
 
 TEST(WaterfallAnalysis, FillsTheColumnsThatAPassScrollsInFromLeftToRight) {
     Waterfall waterfall;
-    waterfall.parameters.waterfallFftLen = 1024.0;
-    waterfall.parameters.fftSizeLog2 = 10;
-    waterfall.parameters.waterfallSpeedup = 3;
+    waterfall.setFrames(1024.0, 10, 3);
     showEveryBin(waterfall);
-    waterfall.parameters.waterfallMinDB = 25.0F;
-    waterfall.parameters.waterfallMaxDB = 75.0F;
+    waterfall.setLimits(25.0F, 75.0F);
     waterfall.parameters.colorWaterfallPlot = 0;
     // Row 0 is bin 5, whose magnitudes in the model are 1484.5, 4512.3 and 6412.8.
     waterfall.parameters.waterfallStartFreq = 5.5 * 44100.0 / 1024.0;
@@ -187,9 +140,7 @@ TEST(WaterfallAnalysis, DropsWhatIsCapturedWhilePausedAndGoesOnFresh) {
          {0, -1, std::numeric_limits<std::int32_t>::min(), 1025, std::numeric_limits<std::int32_t>::max()}) {
         SCOPED_TRACE(speedup);
         Waterfall waterfall;
-        waterfall.parameters.waterfallFftLen = 1024.0;
-        waterfall.parameters.fftSizeLog2 = 10;
-        waterfall.parameters.waterfallSpeedup = speedup;
+        waterfall.setFrames(1024.0, 10, speedup);
         showEveryBin(waterfall);
         for (const int frames : {11025, 11025, 500}) // the last is less than a frame
             waterfall.analysis.capture(tone(1, 4, 9000.0, frames));
@@ -203,16 +154,6 @@ TEST(WaterfallAnalysis, DropsWhatIsCapturedWhilePausedAndGoesOnFresh) {
     }
 }
 
-TEST(WaterfallAnalysis, TakesUpALongerTransformThatHasRoomForTheSpeedUp) {
-    Waterfall waterfall;
-    waterfall.parameters.waterfallFftLen = 64.0;
-    waterfall.parameters.fftSizeLog2 = 10;
-    waterfall.parameters.waterfallSpeedup = 100;
-    showEveryBin(waterfall);
-    waterfall.analysis.capture(scatteredFrames(1025));
-    EXPECT_EQ(waterfall.loggedLines().size(), 100U);
-}
-
 TEST(WaterfallAnalysis, TakesNothingInWhileInterrupted) {
     Waterfall waterfall;
     showEveryBin(waterfall);
@@ -222,6 +163,176 @@ TEST(WaterfallAnalysis, TakesNothingInWhileInterrupted) {
     waterfall.analysis.resume();
     waterfall.analysis.capture(scatteredFrames(11025));
     EXPECT_FALSE(waterfall.loggedLines().empty());
+}
+
+std::complex<double> coefficient(const std::vector<float>& x, std::int64_t k) {
+    const auto length = static_cast<std::int64_t>(x.size());
+    std::complex<double> sum = 0.0;
+    for (std::int64_t n = 0; n < length; ++n)
+        sum += static_cast<double>(x[static_cast<std::size_t>(n)]) *
+               std::polar(1.0, -6.283185307179586 * static_cast<double>(k * n % length) /
+                                   static_cast<double>(length));
+    return sum;
+}
+
+TEST(WaterfallTransform, GivesTwiceTheFourierCoefficientsWithTheHighestOneBesideTheFirst) {
+    WaterfallParameters parameters;
+    WaterfallTransform transform(parameters);
+    AlignedFloats frame(kLargestFrameLength + 2);
+    for (std::int32_t log2Length = 6; log2Length <= 17; ++log2Length) {
+        SCOPED_TRACE(log2Length);
+        const std::int32_t length = 1 << log2Length;
+        std::vector<float> input;
+        for (std::int64_t n = 0; n < length; ++n) // not periodic in any length, different at every place
+            input.push_back(frame[static_cast<std::size_t>(n)] = static_cast<float>(n * 7919 % 2001 - 1000));
+        const auto behind = static_cast<std::size_t>(length);
+        frame[behind] = 11.0F;
+        frame[behind + 1] = 12.0F;
+
+        parameters.fftSizeLog2 = log2Length;
+        ASSERT_EQ(transform.transform(frame), length);
+
+        const double tolerance = 1e-3 * length; // of magnitudes that add up `length` samples of about 500
+        EXPECT_NEAR(static_cast<double>(frame[0]), 2.0 * coefficient(input, 0).real(), tolerance);
+        EXPECT_NEAR(static_cast<double>(frame[1]), 2.0 * coefficient(input, length / 2).real(), tolerance);
+        for (const std::int32_t k : {1, 2, 5, length / 8 + 1, length / 4, length / 2 - 1}) {
+            const std::complex<double> expected = 2.0 * coefficient(input, k);
+            const auto pair = static_cast<std::size_t>(2 * k);
+            EXPECT_NEAR(static_cast<double>(frame[pair]), expected.real(), tolerance) << k;
+            EXPECT_NEAR(static_cast<double>(frame[pair + 1]), expected.imag(), tolerance) << k;
+        }
+        EXPECT_EQ(frame[behind], 11.0F);
+        EXPECT_EQ(frame[behind + 1], 12.0F);
+    }
+}
+
+TEST(WaterfallTransform, TakesUpTheRequestedLengthWithinTheMenusRangeAndSaysSoOnce) {
+    WaterfallParameters parameters;
+    WaterfallTransform transform(parameters);
+    AlignedFloats frame(kLargestFrameLength);
+    testing::internal::CaptureStderr();
+    for (const auto& [requested, length] :
+         {std::pair{13, 8192}, {13, 8192}, {30, 131072}, {-2000000000, 64}, {6, 64}}) {
+        parameters.fftSizeLog2 = requested;
+        EXPECT_EQ(transform.transform(frame), length) << requested;
+        EXPECT_EQ(parameters.waterfallFftLen, length) << requested;
+    }
+    const std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(log.starts_with("log2SampleLength=0  waterfallFftLen=8192\n"
+                                "setting log2SampleLength=13  waterfallFftLen=8192\n"
+                                "BufferMemory malloc: 8192\nvDSP_create_fftsetup  13\n"));
+    EXPECT_EQ(std::ranges::count(log, '\n'), 3 * 4);
+}
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+
+constexpr std::int32_t kSmallest = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+
+/// What the controls may hold; sane unless a case says otherwise. Row y of the view is bin y.
+struct Values {
+    const char* name = "sane";
+    double startFreq = 0.5 * 44100.0 / 1024.0;
+    double endFreq = 100.5 * 44100.0 / 1024.0;
+    float minDB = 50.0F;
+    float maxDB = 100.0F;
+    double length = 1024.0;
+    std::int32_t requestedLog2 = 10;
+    std::int32_t speedup = 1;
+    std::int32_t windowType = 1;
+    double width = 800.0;
+    double height = 100.0;
+
+    void applyTo(Waterfall& waterfall) const {
+        waterfall.parameters.waterfallStartFreq = startFreq;
+        waterfall.parameters.waterfallEndFreq = endFreq;
+        waterfall.setLimits(minDB, maxDB);
+        waterfall.setFrames(length, requestedLog2, speedup);
+        waterfall.parameters.waterfallWindowType = windowType;
+        waterfall.parameters.colorWaterfallPlot = 0;
+        waterfall.image.setBounds(width, height);
+    }
+};
+
+TEST(HostileValues, LeaveTheWaterfallAsItWasWhenTheyAreGone) {
+    const auto nan = static_cast<float>(kNotANumber);
+    const Values cases[] = {
+        {.name = "negative frequencies", .startFreq = -1e6, .endFreq = -5.0},
+        {.name = "huge frequencies", .startFreq = -1e300, .endFreq = 1e300},
+        {.name = "infinite frequencies", .startFreq = kInfinity, .endFreq = -kInfinity},
+        {.name = "frequencies that are no numbers", .startFreq = kNotANumber, .endFreq = kNotANumber},
+        {.name = "frequencies above all bins", .startFreq = 1e7, .endFreq = 1e12},
+        {.name = "falling frequencies", .startFreq = 20000.0, .endFreq = 100.0},
+        {.name = "no dB range", .minDB = 70.0F, .maxDB = 70.0F},
+        {.name = "huge dB limits", .minDB = -3e38F, .maxDB = 3e38F},
+        {.name = "dB limits that are no numbers", .minDB = nan, .maxDB = nan},
+        {.name = "no length", .length = 0.0},
+        {.name = "a length that is no number", .length = kNotANumber, .requestedLog2 = -5, .speedup = 7},
+        {.name = "huge lengths", .length = 1e300, .requestedLog2 = 30, .speedup = 3},
+        {.name = "negative lengths", .length = -1e300, .requestedLog2 = kSmallest, .speedup = 2},
+        {.name = "as many lines as samples", .length = 64.0, .requestedLog2 = 6, .speedup = 64},
+        {.name = "one line too many", .length = 64.0, .requestedLog2 = 6, .speedup = 65},
+        {.name = "a huge speed-up", .speedup = kLargest},
+        {.name = "no such window", .windowType = -42},
+        {.name = "a huge view", .width = 1e300, .height = 1e300},
+        {.name = "a view that is no number", .width = kNotANumber, .height = kNotANumber},
+        {.name = "a sliver of a view", .width = -5.0, .height = 0.25},
+    };
+    const std::vector<std::int16_t> sound = tone(40, 1024, 1000.0, 11025);
+    for (const Values& hostile : cases) {
+        SCOPED_TRACE(hostile.name);
+        Waterfall waterfall;
+        // The pause forgets what the hostile values have left of a frame.
+        for (const Values& values : {Values{}, hostile, Values{.speedup = 0}, Values{}}) {
+            values.applyTo(waterfall);
+            waterfall.analysis.capture(sound);
+        }
+        // 1000 * 1024 / 2 is 512000, 82.16 on the scale; half of it beside.
+        EXPECT_EQ(waterfall.pixel(1023 - 40, 799), 0xFFA4A4A4);
+        EXPECT_EQ(waterfall.pixel(1023 - 41, 799), 0xFF8D8D8D);
+        EXPECT_EQ(waterfall.pixel(1023 - 60, 799), 0xFF000000);
+    }
+}
+
+TEST(HostileValues, KeepALargeViewWithinThePicture) {
+    Waterfall waterfall;
+    Values{}.applyTo(waterfall);
+    waterfall.image.setBounds(5000.0, 3000.0);
+    waterfall.image.drawFFTLine(std::vector<double>(64, 1e9), 64, 1, 1);
+    EXPECT_EQ(waterfall.pixel(0, 1535), 0xFFFEFEFE);
+    for (const std::int32_t offset : {0, -1, 1537, kSmallest, kLargest})
+        waterfall.image.drawFFTLine(std::vector<double>(64, 1.0), 64, offset, 0);
+    EXPECT_EQ(waterfall.pixel(0, 1535), 0xFFFEFEFE);
+    EXPECT_EQ(waterfall.pixel(0, 0), 0U);
+    for (const std::int32_t len : {0, -64, kSmallest})
+        waterfall.image.drawFFTLine(std::vector<double>(64, 1.0), len, 1, 1);
+    waterfall.image.drawFFTLine({}, 64, 1, 1);
+}
+
+TEST(HostileValues, MakeABufferTakeItsTimeButNotMore) {
+    constexpr std::int32_t kLength = 8192;
+    const std::vector<std::int16_t> sound = tone(40, 1024, 1000.0, 11025);
+    const auto paintedColumns = [](const Waterfall& waterfall) {
+        return std::pair(waterfall.pixel(1023 - 40, 0) != 0, waterfall.pixel(1023 - 40, 799) != 0);
+    };
+    Waterfall waterfall;
+    // 4096 lines of 8192 samples are the work of two buffers. The view holds the last 800 of them.
+    const Values laborious{.endFreq = 4400.0, .length = kLength, .requestedLog2 = 13, .speedup = kLength / 2};
+    laborious.applyTo(waterfall);
+    waterfall.analysis.capture(sound);
+    EXPECT_EQ(paintedColumns(waterfall), std::pair(false, false));
+    waterfall.analysis.capture(sound);
+    EXPECT_EQ(paintedColumns(waterfall), std::pair(true, true));
+
+    // One that nobody wants any more is not waited for.
+    Waterfall corrected;
+    laborious.applyTo(corrected);
+    corrected.analysis.capture(sound);
+    corrected.loggedLines();
+    Values{}.applyTo(corrected);
+    corrected.analysis.capture(sound);
+    EXPECT_EQ(corrected.loggedLines().size(), 10U);
 }
 
 } // namespace

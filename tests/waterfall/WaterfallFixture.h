@@ -22,6 +22,18 @@ struct Waterfall {
     WaterfallImage image{parameters};
     WaterfallAnalysis analysis{parameters, image};
 
+    /// The length in force, the one that the next line takes up, and the lines a frame.
+    void setFrames(double length, std::int32_t requestedLog2, std::int32_t speedup) {
+        parameters.waterfallFftLen = length;
+        parameters.fftSizeLog2 = requestedLog2;
+        parameters.waterfallSpeedup = speedup;
+    }
+
+    void setLimits(float minDB, float maxDB) {
+        parameters.waterfallMinDB = minDB;
+        parameters.waterfallMaxDB = maxDB;
+    }
+
     /// Pixel of the picture as 0xAABBGGRR.
     std::uint32_t pixel(std::int32_t row, std::int32_t column) const {
         std::vector<std::uint8_t> line(ScrollingBitmap::kBytesPerRow);

@@ -1,12 +1,19 @@
 #include "WaterfallFixture.h"
 
+#include "waterfall/ColorMap.h"
 #include "waterfall/LevelScale.h"
+#include "waterfall/LevelSteps.h"
+#include "waterfall/WaterfallMeasurement.h"
 
+#include <limits>
 #include <random>
 #include <thread>
 
 namespace sonotrace {
 namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+const double kNan = std::nan("");
 
 struct Line {
     double width, height, startFreq, endFreq;
@@ -100,21 +107,9 @@ TEST(WaterfallImage, CopiesOnlyRowsAndColumnsThatExist) {
     }
 }
 
-TEST(WaterfallImage, PaintsInColourWhenAskedTo) {
-    Waterfall waterfall;
-    waterfall.parameters.waterfallMinDB = 25.0F;
-    waterfall.parameters.waterfallMaxDB = 75.0F;
-    waterfall.image.setBounds(3.0, 1.0);
-    waterfall.image.drawFFTLine(std::vector<double>{10000.0}, 64, 1,
-                                0); // step 166: 255 - 255 * 12 / 62 = 206
-    EXPECT_EQ(waterfall.pixel(1023, 2), 0xFF00CEFF);
-    EXPECT_EQ(waterfall.pixel(1022, 2), 0U);
-}
-
 TEST(WaterfallImage, LogsTheExtremesOfEachLineAndOfLinesThatFoundNoView) {
     Waterfall waterfall;
-    waterfall.parameters.waterfallMinDB = 25.0F;
-    waterfall.parameters.waterfallMaxDB = 75.0F;
+    waterfall.setLimits(25.0F, 75.0F);
     waterfall.parameters.waterfallEndFreq = 4 * 689.0625;
     const std::vector<double> magnitudes = {10000.0, 0.5, std::nan(""), 1000.0};
     waterfall.image.drawFFTLine(magnitudes, 64, 1, 1);
@@ -124,6 +119,8 @@ TEST(WaterfallImage, LogsTheExtremesOfEachLineAndOfLinesThatFoundNoView) {
     waterfall.image.writeLineLog();
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "minSum:1e+07  maxSum:0  minV:999  maxV:0\n"
                                                       "minSum:0.5  maxSum:10000  minV:0  maxV:65.1293\n");
+    EXPECT_EQ(waterfall.pixel(1023, 799), 0xFF00CEFF) << "in colour: step 166, 255 - 255 * 12 / 62 = 206";
+    EXPECT_EQ(waterfall.pixel(1019, 799), 0U);
 
     for (int line = 0; line < 16384 + 5; ++line)
         waterfall.image.drawFFTLine(magnitudes, 64, 1, 1);
@@ -159,6 +156,103 @@ TEST(WaterfallImage, IsShownWhileItIsPainted) {
     }
     capture.join();
     EXPECT_TRUE(allOpaque);
+}
+
+TEST(WaterfallMeasurement, TellsTheFrequencyAndTheTimeSinceTheRightClick) {
+    WaterfallParameters parameters;
+    parameters.waterfallStartFreq = 100.0;
+    parameters.waterfallEndFreq = 1300.0;
+    WaterfallMeasurement measurement(parameters);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(measurement.mouseDown(30.0, 0.0, 600.0).deltaX, 30.0F) << "the reference is 0 at first";
+    measurement.rightMouseDown(150.0, 7.0);
+    const WaterfallClick click = measurement.mouseDown(250.0, 30.25, 600.0);
+    EXPECT_EQ(click.frequency, 160.5F);
+    EXPECT_EQ(click.deltaX, 100.0F);
+    EXPECT_EQ(measurement.setMouseHz(click.frequency, click.deltaX), "160 Hz  18576 mSec");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "mouseDown 0  100  1200  2  \n"
+              "rightMouseDown 150 7\n"
+              "mouseDown 30.25  160.5  1200  2  \n"
+              "setMouseHz 160.5 Hz deltaX 100  pixels/sec 5.3833   milliseconds: 18576 \n");
+
+    parameters.waterfallFftLen = 1024.0; // 3 * 44100 / 1024 = 129.19921875 columns a second
+    parameters.waterfallSpeedup = 3;
+    EXPECT_EQ(measurement.setMouseHz(-0.9F, -100.0F), "0 Hz  -773.998 mSec");
+}
+
+TEST(WaterfallMeasurement, AnswersAClickBeforeThereIsAPicture) {
+    WaterfallParameters parameters;
+    parameters.waterfallStartFreq = std::numeric_limits<double>::quiet_NaN();
+    parameters.waterfallEndFreq = 1e300;
+    parameters.waterfallSpeedup = 0;
+    WaterfallMeasurement measurement(parameters);
+    const WaterfallClick click = measurement.mouseDown(10.0, 20.0, 0.0);
+    EXPECT_EQ(measurement.setMouseHz(click.frequency, click.deltaX), "-2147483648 Hz  inf mSec");
+}
+
+TEST(LevelScale, PutsMagnitudesOnStepsBetweenFloorAndCeiling) {
+    struct Case {
+        float minDB, maxDB;
+        double magnitude;
+        std::int32_t step;
+    };
+    for (const Case& c :
+         {Case{25, 75, 54.0, 0}, Case{25, 75, 1000.0, 92}, Case{25, 75, 10000.0, 166},
+          Case{25, 75, 157700.0, 253}, Case{25, 75, 162755.0, 254}, Case{25, 75, kInfinity, 254},
+          Case{25, 75, kNan, 0}, Case{-50, 50, -7.0, 127},   // silence in mid-scale
+          Case{75, 25, 1.0, 254}, Case{75, 25, 10000.0, 88}, // crossed: loud is dark
+          Case{50, 50, 1.0, 0}, Case{50, 50, 10000.0, 254}, Case{0, 0, 1.0, 0}}) {
+        LevelSteps steps;
+        steps.setLimits(c.minDB, c.maxDB);
+        EXPECT_EQ(steps.step(c.magnitude), c.step) << c.minDB << ".." << c.maxDB << " " << c.magnitude;
+    }
+}
+
+TEST(LevelScale, TableGivesTheComputedStepForEveryMagnitude) {
+    std::mt19937_64 random(5);
+    std::uniform_real_distribution<double> logarithm(-1.0, 46.0);
+    using Limits = std::pair<float, float>;
+    for (const auto& [minDB, maxDB] :
+         {Limits{25, 75}, Limits{-80, 120}, Limits{50, 50.001}, Limits{50, std::nextafter(50.0F, 51.0F)},
+          Limits{-9999, 9999}, Limits{0, 0.001}, Limits{280, 300}, Limits{-1e9, 75}, Limits{75, 25}}) {
+        SCOPED_TRACE(testing::Message() << minDB << ".." << maxDB);
+        const LevelScale scale(minDB, maxDB);
+        LevelSteps steps;
+        steps.setLimits(minDB, maxDB);
+        int wrong = 0;
+        for (int i = 0; i < 3000; ++i) {
+            const double magnitude = std::exp(logarithm(random));
+            wrong += steps.step(magnitude) != scale.step(magnitude);
+        }
+        for (std::int32_t step = 1; step <= 255; ++step) {
+            // Around the very magnitude where a step begins, where the table alone is one off.
+            double magnitude = scale.magnitudeOfStep(step) * (1.0 - 1e-14);
+            for (int i = 0; i < 100; ++i) {
+                wrong += steps.step(magnitude) != scale.step(magnitude);
+                magnitude = std::nextafter(magnitude, kInfinity);
+            }
+        }
+        EXPECT_EQ(wrong, 0);
+    }
+}
+
+TEST(ColorMap, RunsFromBlackOverBlueCyanGreenYellowAndRedToPurple) {
+    struct Entry {
+        std::size_t step;
+        std::uint32_t word; // alpha, blue, green, red
+    };
+    ColorMap map;
+    for (const Entry& entry :
+         {Entry{0, 0xFF000000}, Entry{42, 0xFFF90000}, Entry{43, 0xFFFF0000}, Entry{44, 0xFFFF0500},
+          Entry{86, 0xFFFFFF00}, Entry{87, 0xFFFFFF00}, Entry{88, 0xFFF8FF00}, Entry{119, 0xFF00FF00},
+          Entry{121, 0xFF00FF07}, Entry{153, 0xFF00FFFF}, Entry{155, 0xFF00FBFF}, Entry{216, 0xFF0000FF},
+          Entry{218, 0xFF0300FF}, Entry{255, 0xFF8000FF}})
+        EXPECT_EQ(map.colors()[entry.step], entry.word) << entry.step;
+    EXPECT_EQ(map.greys()[200], 0xFFC8C8C8);
+
+    map.initColorTable(); // the tables are full
+    EXPECT_EQ(map.colors()[42], 0xFFF90000);
 }
 
 } // namespace
