@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <cstring>
 #include <vector>
 
@@ -19,22 +18,16 @@ SettingsOfAll sample() {
 TEST(SettingsFile, LaysOutSixArraysOfAHundred) {
     const auto block = encodeSettingsFile(sample());
     ASSERT_EQ(block.size(), 4000U);
-    const auto real = [&block](std::size_t at) {
-        double value = 0;
-        std::memcpy(&value, &block[at], 8);
+    const auto at = [&block]<typename Number>(std::size_t place, Number value) {
+        std::memcpy(&value, &block[place], sizeof value);
         return value;
     };
-    const auto integer = [&block](std::size_t at) {
-        std::int32_t value = 0;
-        std::memcpy(&value, &block[at], 4);
-        return value;
-    };
-    EXPECT_EQ(real(0 + 8 * 12), 1012.1);
-    EXPECT_EQ(real(800 + 8 * 3), -0.1 * 3);
-    EXPECT_EQ(real(1600 + 8 * 2), 1.0 / 3);
-    EXPECT_EQ(real(2400 + 8), 1e300);
-    EXPECT_EQ(integer(3200), -1);
-    EXPECT_EQ(integer(3600 + 4 * 11), 1);
+    EXPECT_EQ(at(0 + 8 * 12, 0.0), 1012.1);
+    EXPECT_EQ(at(800 + 8 * 3, 0.0), -0.1 * 3);
+    EXPECT_EQ(at(1600 + 8 * 2, 0.0), 1.0 / 3);
+    EXPECT_EQ(at(2400 + 8, 0.0), 1e300);
+    EXPECT_EQ(at(3200, 0), -1);
+    EXPECT_EQ(at(3600 + 4 * 11, 0), 1);
     for (std::size_t i = 8 * 13; i < 800; ++i)
         ASSERT_EQ(block[i], std::byte{0});
     // Full scale as another program would write it.
