@@ -1,16 +1,9 @@
-#include "end_to_end/Monitor.h"
-#include "end_to_end/Program.h"
-
 #include "app/WindowControl.h"
-#include "platform/pulse/PulseSoundSystem.h"
-#include "support/FilePanel.h"
-#include "support/PrivateServer.h"
-#include "support/RenderBench.h"
+#include "end_to_end/EndToEnd.h"
+#include "support/ToolWindow.h"
 
 #include <QAction>
-#include <QDir>
 #include <QMainWindow>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -21,24 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class GeneratorEndToEnd : public testing::TestWithParam<PrivateServer::Kind> {
-protected:
-    GeneratorEndToEnd() : server_(GetParam()) {}
-
-    static void writePreferences(const QByteArray& lines) {
-        const QString path = Preferences::defaultPath();
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("[General]\n" + lines);
-    }
-
-    QString path(const char* name) const {
-        return QString::fromStdString((server_.folder() / name).string());
-    }
-
-    PrivateServer server_;
-};
+class GeneratorEndToEnd : public OnEachServer {};
 
 constexpr const char* kSeveralVoices = "Freq0=997\nVolL0=1\nVolR0=0.5\nEnabled0=1\n"
                                        "Freq1=333\nVolL1=1\nGenType1=2\nEnabled1=1\n"
@@ -111,13 +87,9 @@ TEST_P(GeneratorEndToEnd, RecordingsFromTheMenuAreWhatIsHeard) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Servers, GeneratorEndToEnd,
-                         testing::Values(PrivateServer::Kind::PulseAudio, PrivateServer::Kind::PipeWire),
-                         [](const auto& kind) {
-                             return kind.param == PrivateServer::Kind::PulseAudio ? "PulseAudio" : "PipeWire";
-                         });
+INSTANTIATE_TEST_SUITE_P(Servers, GeneratorEndToEnd, kServers, serverName);
 
-class ServerTrouble : public GeneratorEndToEnd {};
+class ServerTrouble : public OnEachServer {};
 INSTANTIATE_TEST_SUITE_P(Servers, ServerTrouble, testing::Values(PrivateServer::Kind::PulseAudio));
 
 TEST_P(ServerTrouble, TheToneComesBackWithTheServer) {
@@ -146,31 +118,20 @@ TEST_P(ServerTrouble, AHungServerDoesNotKeepTheProgramFromQuitting) {
     EXPECT_EQ(Preferences().integerValue("MAIN_outputPopup"), 0);
 }
 
-TEST(CommandLine, AWrongArgumentGetsOneLineAndStatus2) {
-    const QList<QStringList> lines = {{"--audio", "tape"},
-                                      {"--no-such-option"},
-                                      {"/dev/null", "/dev/null"},
-                                      {"--audio"},
-                                      {"/no/such/file"}};
-    for (const QStringList& arguments : lines) {
+TEST(CommandLine, WhatNeedsNoWindowNeedsNoDisplay) {
+    const auto run = [](const char* line) {
         QProcess process;
-        process.setEnvironment({"XDG_RUNTIME_DIR=/nowhere"}); // no display either
-        process.start(SONOTRACE_PROGRAM, arguments);
-        ASSERT_TRUE(process.waitForFinished());
-        EXPECT_EQ(process.exitCode(), 2) << arguments.join(' ').toStdString();
-        EXPECT_EQ(process.readAllStandardError().count("sonotrace: "), 1);
-    }
-}
-
-TEST(CommandLine, HelpAndVersionNeedNoDisplay) {
-    for (const char* option : {"--help", "--version"}) {
-        QProcess process;
-        process.setEnvironment({});
-        process.start(SONOTRACE_PROGRAM, {option});
-        ASSERT_TRUE(process.waitForFinished());
-        EXPECT_EQ(process.exitCode(), 0);
-        EXPECT_TRUE(process.readAllStandardOutput().contains("onotrace")) << option;
-    }
+        process.setEnvironment({"XDG_RUNTIME_DIR=/nowhere"});
+        process.start(SONOTRACE_PROGRAM, QString(line).split(' '));
+        EXPECT_TRUE(process.waitForFinished()) << line;
+        return std::tuple(process.exitCode(), process.readAllStandardError().count("sonotrace: "),
+                          process.readAllStandardOutput().count("onotrace") > 0);
+    };
+    for (const char* wrong :
+         {"--audio tape", "--no-such-option", "/dev/null /dev/null", "--audio", "/no/such/file"})
+        EXPECT_EQ(run(wrong), std::tuple(2, 1, false)) << wrong;
+    for (const char* right : {"--help", "--version"})
+        EXPECT_EQ(run(right), std::tuple(0, 0, true)) << right;
 }
 
 } // namespace

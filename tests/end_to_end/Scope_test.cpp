@@ -1,13 +1,8 @@
-#include "app/QtRunLoop.h"
-#include "platform/pulse/PulseSoundSystem.h"
+#include "end_to_end/EndToEnd.h"
 #include "scope/ScopeController.h"
 #include "scope/ScopeTrace.h"
-#include "support/PrivateServer.h"
 #include "support/ToolWindow.h"
 #include "widgets/RealSlider.h"
-
-#include <QLabel>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -17,19 +12,13 @@
 namespace sonotrace {
 namespace {
 
-using namespace std::chrono_literals;
-
-class ScopeEndToEnd : public StoreTest {
+class ScopeEndToEnd : public ListeningWindowTest<ScopeController, ServedSystem> {
 protected:
-    ScopeEndToEnd() { EXPECT_TRUE(system_.connected(10s)); }
-
-    void open() {
+    ScopeEndToEnd() {
         preferences_.setFloat("SCOPE_sweepText", 3.0); // 100 samples a trace
         preferences_.setInteger("SCOPE_invert1Button", 1);
         preferences_.setInteger("SCOPE_invert2Button", 1);
         preferences_.setDouble("SCOPE_soundInputVolume", 1000);
-        controller_ = std::make_unique<ScopeController>(system_, runLoop_, preferences_);
-        controller_->awakeFromNib();
     }
 
     /// Sample values of a channel's trace as drawn now.
@@ -42,11 +31,7 @@ protected:
         return values;
     }
 
-    PrivateServer server_;
-    PulseSoundSystem system_;
-    QtRunLoop runLoop_;
     ScopeTrace trace_;
-    std::unique_ptr<ScopeController> controller_;
 };
 
 TEST_F(ScopeEndToEnd, EachChannelShowsItsSignalFromTheTriggerOn) {
@@ -72,7 +57,7 @@ TEST_F(ScopeEndToEnd, EachChannelShowsItsSignalFromTheTriggerOn) {
     };
     EXPECT_TRUE(QTest::qWaitFor([&] { return isSine() && isSquare(); }, 10000))
         << testing::PrintToString(trace(1));
-    find<RealSlider>(controller_->window(), "rangeSlider2").setDoubleValue(-std::log10(2.0));
+    find<RealSlider>("rangeSlider2").setDoubleValue(-std::log10(2.0));
     EXPECT_TRUE(QTest::qWaitFor([&] { return std::abs(std::ranges::max(trace(1)) - 2 * 8191) < 2; }, 5000));
 }
 
@@ -80,15 +65,12 @@ TEST_F(ScopeEndToEnd, TheInputCanBeChangedWhileItListens) {
     Tone tone(system_, "line");
     tone.bench.set(0, {882, 0, 0, 0.5, 1, 1});
     open();
-    auto& popup = find<QComboBox>(controller_->window(), "inputPopup");
     const auto right = [this] { return std::ranges::count(trace(1), 16383.0); };
     QTest::qWait(700);
     EXPECT_EQ(right(), 0) << "the speaker is silent";
-    popup.setCurrentIndex(1);
-    Q_EMIT popup.activated(1);
+    choose("inputPopup", 1);
     EXPECT_TRUE(QTest::qWaitFor([&] { return right() > 40; }, 10000));
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return find<QLabel>(controller_->window(), "inputStatus").text() == "Monitor of line"; }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return status() == "Monitor of line"; }));
 }
 
 } // namespace

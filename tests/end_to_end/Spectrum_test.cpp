@@ -1,13 +1,8 @@
-#include "app/QtRunLoop.h"
-#include "platform/pulse/PulseSoundSystem.h"
+#include "end_to_end/EndToEnd.h"
 #include "spectrum/SpectrumController.h"
 #include "spectrum/SpectrumTrace.h"
-#include "support/PrivateServer.h"
 #include "support/ToolWindow.h"
 #include "widgets/LevelIndicator.h"
-
-#include <QLabel>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -17,20 +12,14 @@
 namespace sonotrace {
 namespace {
 
-using namespace std::chrono_literals;
-
-class SpectrumEndToEnd : public StoreTest {
+class SpectrumEndToEnd : public ListeningWindowTest<SpectrumController, ServedSystem> {
 protected:
-    SpectrumEndToEnd() { EXPECT_TRUE(system_.connected(10s)); }
-
-    void open() {
+    SpectrumEndToEnd() {
         preferences_.setInteger("inputPopup", 0); // the default source, the speaker's monitor
         preferences_.setDouble("SPECTRUM_soundInputVolume", 1000);
         preferences_.setInteger("SPECTRUM_fftSizePopup", 8); // 16384
         preferences_.setInteger("SPECTRUM_windowPopup", 1);
         preferences_.setFloat("spectrumEndFreq", 20000);
-        controller_ = std::make_unique<SpectrumController>(system_, runLoop_, preferences_);
-        controller_->awakeFromNib();
     }
 
     /// Column of the highest point of a plot 500 columns wide, and its height over the floor.
@@ -52,11 +41,6 @@ protected:
             [&] { return std::abs(peak(from, to).first - column) <= 1 && peak(from, to).second > 200; },
             10000);
     }
-
-    PrivateServer server_;
-    PulseSoundSystem system_;
-    QtRunLoop runLoop_;
-    std::unique_ptr<SpectrumController> controller_;
 };
 
 TEST_F(SpectrumEndToEnd, PeaksStandWhereTheyShouldAndTheMeterShowsTheLevel) {
@@ -66,15 +50,13 @@ TEST_F(SpectrumEndToEnd, PeaksStandWhereTheyShouldAndTheMeterShowsTheLevel) {
     open();
     EXPECT_TRUE(seePeak(0, 10000, 250));
     EXPECT_TRUE(seePeak(10000, 20000, 100));
-    const auto level = [this] {
-        return find<LevelIndicator>(controller_->window(), "volumeLevel").doubleValue();
-    };
+    const auto level = [this] { return find<LevelIndicator>("volumeLevel").doubleValue(); };
     EXPECT_TRUE(QTest::qWaitFor([&] { return std::abs(level() - 0.4) < 0.01; })) << level();
 
     // The device's own volume is what the slider sets.
-    find<QSlider>(controller_->window(), "soundInputVolume2").setValue(500);
+    find<QSlider>("soundInputVolume2").setValue(500);
     EXPECT_TRUE(waitFor(
-        [&] { return server_.pactl("get-source-volume speaker.monitor").find("50%") != std::string::npos; }));
+        [&] { return system_.pactl("get-source-volume speaker.monitor").find("50%") != std::string::npos; }));
 }
 
 TEST_F(SpectrumEndToEnd, TheInputCanBeChangedAndMayGoAwayWhileItListens) {
@@ -84,20 +66,14 @@ TEST_F(SpectrumEndToEnd, TheInputCanBeChangedAndMayGoAwayWhileItListens) {
     line.bench.set(0, {15000, 0, 0.3, 0, 0, 1}); // fainter: the server moves it to the speaker in the end
     open();
     EXPECT_TRUE(seePeak(0, 20000, 125));
-    auto& popup = find<QComboBox>(controller_->window(), "inputPopup");
-    const auto choose = [&popup](int index) {
-        popup.setCurrentIndex(index);
-        Q_EMIT popup.activated(index);
-    };
-    choose(1);
+    choose("inputPopup", 1);
     EXPECT_TRUE(seePeak(0, 20000, 375));
-    const auto status = [this] { return find<QLabel>(controller_->window(), "inputStatus").text(); };
     EXPECT_TRUE(QTest::qWaitFor([&] { return status() == "Monitor of line"; }));
-    server_.pactl("unload-module $(pactl list short modules | grep sink_name=line | cut -f1)");
+    system_.pactl("unload-module $(pactl list short modules | grep sink_name=line | cut -f1)");
     EXPECT_TRUE(QTest::qWaitFor([&] {
         return status().contains("not on the chosen device") || status().contains("gone");
     })) << status().toStdString();
-    choose(0);
+    choose("inputPopup", 0);
     EXPECT_TRUE(seePeak(0, 20000, 125));
 }
 

@@ -1,11 +1,11 @@
 #include "generator/OutputRender.h"
 
-#include "support/Checksum.h"
 #include "support/RenderBench.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -17,6 +17,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 const double kNan = std::nan("");
 
 // The checksums are of signals rendered sample by sample by a program written independently of this one.
+// Those of the noises pin the random numbers too.
 
 TEST(OutputRender, EachWaveformIsExactOverThreeBuffers) {
     const std::uint32_t expected[] = {0x4C9BC327, 0xE5D6C8E4, 0x76B53F0B, 0x0712314D,
@@ -54,10 +55,7 @@ TEST(OutputRender, TheHighestFrequenciesAndPhasesAreExact) {
 
 TEST(OutputRender, VoicesShareFullScaleAndAnOffVoiceStillCounts) {
     RenderBench bench;
-    const auto peak = [&bench] {
-        const auto samples = bench.render();
-        return std::ranges::max(samples);
-    };
+    const auto peak = [&bench] { return std::ranges::max(bench.render()); };
     EXPECT_EQ(peak(), 0); // digital silence
     bench.set(0, {1000, 0, 1, 1, 1, 1});
     EXPECT_EQ(peak(), 32767);
@@ -108,14 +106,13 @@ TEST(OutputRender, SurvivesWhateverTheBankHoldsAndRecoversWithSaneSettings) {
     for (std::int32_t waveform = -1; waveform <= 8; ++waveform) {
         RenderBench bench;
         for (const double value : nasty) {
-            bench.set(0, {value, 0, 1, 1, waveform, 1});
-            bench.render();
-            bench.set(0, {1000, value, 1, 1, waveform, 1});
-            bench.render();
-            bench.set(0, {1000, 90, value, -value, waveform, 1});
-            bench.render();
-            bench.set(0, {value, value, value, value, waveform, std::numeric_limits<std::int32_t>::max()});
-            bench.render();
+            for (const GeneratorSettings& settings : {GeneratorSettings{value, 0, 1, 1, waveform, 1},
+                                                      {1000, value, 1, 1, waveform, 1},
+                                                      {1000, 90, value, -value, waveform, 1},
+                                                      {value, value, value, value, waveform, INT32_MAX}}) {
+                bench.set(0, settings);
+                bench.render();
+            }
         }
         if (waveform < 0 || waveform > 3)
             continue;
@@ -142,6 +139,94 @@ TEST(OutputRender, NeverReadsPastTheTableHoweverTheSumRounds) {
     output.render(samples);
     EXPECT_GE(*std::ranges::min_element(samples), 0);
     EXPECT_LE(*std::ranges::max_element(samples), 21); // entry 9999 is -20.6, and the output is inverted
+}
+
+struct SweepCase {
+    const char* name;
+    double start, end, rate;
+    int reverse, log, oneShot, voices, buffers;
+    std::uint32_t checksum; ///< of an independent rendering
+    double frequency;       ///< at the end
+    int enabled, done;
+};
+
+TEST(Sweep, EveryKindOfPassIsExact) {
+    const SweepCase cases[] = {
+        {"linear", 20, 20000, 90000, 0, 0, 0, 0, 4, 0x4138909A, 854.6938775510173, 1, 0},
+        {"linear, once", 20, 20000, 90000, 0, 0, 1, 0, 4, 0xFD41258C, 446.53061224489664, 0, 1},
+        {"logarithmic", 20, 20000, 90000, 0, 1, 0, 0, 12, 0xDF0928F2, 1725.7937818996108, 1, 0},
+        {"back and forth", 500, 3000, 9000, 1, 0, 0, 0, 8, 0x1A653638, 2837.9591836729596, 1, 0},
+        {"downward", 9000, 30, 90000, 0, 0, 0, 0, 4, 0x8526DE4B, 4071.4285714275015, 1, 0},
+        {"down and back, once", 9000, 300, 90000, 1, 0, 1, 0, 10, 0x6AD309EA, 5995.918367346283, 0, 1},
+        {"down and back", 9000, 300, 90000, 1, 0, 0, 0, 12, 0xFA2705FC, 644.8979591836705, 1, 0},
+        {"among voices", 20, 20000, 90000, 0, 1, 0, 3, 4, 0x77EBD21E, 61.59464977538537, 1, 0},
+    };
+    for (const SweepCase& pass : cases) {
+        RenderBench bench;
+        for (int i = 0; i < pass.voices; ++i)
+            bench.set(static_cast<std::size_t>(i), {1000, 0, 1, 1, 0, 1});
+        SweepParameters& sweep = bench.sweep;
+        bench.setSweep(pass.start, pass.end, pass.rate);
+        sweep.reverse = pass.reverse;
+        sweep.log = pass.log;
+        if (pass.oneShot)
+            sweep.startOneShot();
+        EXPECT_EQ(checksum(bench.render(pass.buffers)), pass.checksum) << pass.name;
+        EXPECT_DOUBLE_EQ(sweep.currentFrequency, pass.frequency) << pass.name;
+        EXPECT_EQ(sweep.enabled, pass.enabled) << pass.name;
+        EXPECT_EQ(sweep.done, pass.done) << pass.name;
+        EXPECT_EQ(sweep.oneShot, 0) << pass.name;
+    }
+}
+
+TEST(Sweep, AOneShotEndsOnTheFrameThatPassesTheEnd) {
+    RenderBench bench;
+    bench.setSweep(20, 20000, 90000);
+    bench.sweep.rightEnabled = 0;
+    bench.sweep.startOneShot();
+    const auto samples = bench.render(3);
+    std::size_t lastHeard = 0;
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        lastHeard = samples[i] != 0 ? i : lastHeard;
+    EXPECT_EQ(lastHeard, 2 * 9790U) << "on the left: the right channel is not enabled";
+}
+
+TEST(Sweep, SurvivesWhateverIsTypedAndAGoodValueRecoversAtOnce) {
+    const double nasty[] = {0, -5, 1e308, -1e308, 5e-324, kInfinity, -kInfinity, kNan};
+    RenderBench bench;
+    SweepParameters& sweep = bench.sweep;
+    sweep.leftEnabled = sweep.rightEnabled = 1;
+    std::atomic<double>* const fields[] = {&sweep.startFrequency, &sweep.endFrequency, &sweep.rate,
+                                           &sweep.amplitudeLeft, &sweep.amplitudeRight};
+    const auto set = [&](const std::array<double, 5>& values, int switches) {
+        for (std::size_t i = 0; i < values.size(); ++i)
+            *fields[i] = values[i];
+        sweep.enabled = 1;
+        sweep.reverse = switches & 1;
+        sweep.log = (switches & 2) / 2;
+        sweep.oneShot = (switches & 4) / 4;
+    };
+    for (int switches = 0; switches < 8; ++switches) {
+        for (const double bad : nasty) {
+            for (const std::array<double, 5>& typed : {std::array{bad, 20000.0, 90000.0, 1.0, 1.0},
+                                                       {20.0, bad, 90000.0, 1.0, 1.0},
+                                                       {20.0, 20000.0, bad, 1.0, 1.0},
+                                                       {20.0, 20000.0, 90000.0, bad, bad},
+                                                       {bad, bad, bad, bad, bad}}) {
+                set(typed, switches);
+                bench.render();
+                // From anywhere plausible back to 441 Hz within a few frames.
+                set({441.0, 442.0, 1e9, 1.0, 1.0}, 0);
+                bench.render();
+                sweep.rate = 0;
+                const auto samples = bench.render();
+                SCOPED_TRACE(testing::Message() << testing::PrintToString(typed) << ", " << switches);
+                ASSERT_GT(std::ranges::max(samples), 32700);
+                for (std::size_t i = 0; i < samples.size() - 200; i += 2)
+                    ASSERT_NEAR(samples[i], samples[i + 200], 200);
+            }
+        }
+    }
 }
 
 } // namespace

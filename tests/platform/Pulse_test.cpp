@@ -1,11 +1,11 @@
 #include "platform/pulse/PulseSoundSystem.h"
 
-#include "support/HeldCallback.h"
-#include "support/ManualRunLoop.h"
 #include "support/PrivateServer.h"
+#include "support/Queues.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <filesystem>
@@ -29,12 +29,6 @@ std::int16_t noise(std::uint32_t n) {
     return static_cast<std::int16_t>(n >> 13U);
 }
 
-double secondsOf(const std::function<void()>& work) {
-    const auto begin = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
-}
-
 std::ptrdiff_t threads() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
 }
@@ -42,54 +36,36 @@ std::ptrdiff_t threads() {
 /// Plays noise into one device and listens to another.
 struct Streams {
     explicit Streams(SoundSystem& soundSystem) : system(soundSystem) {}
-    ~Streams() {
-        output.reset();
-        input.reset();
-    }
 
     void play(const std::string& uid) {
-        StreamDescription format;
-        format.frameCount = kOutputFramesPerBuffer;
-        system.newOutput(
-            format,
-            [this](AudioQueue& queue, AudioQueueBuffer& buffer) {
-                for (std::int16_t& sample : buffer.allSamples())
-                    sample = noise(played++);
-                ++filled;
-                queue.enqueueBuffer(buffer);
-            },
-            {.streamName = "test", .runLoop = nullptr}, output);
-        begin(*output, format, uid);
+        const auto fill = [this](AudioQueue& queue, AudioQueueBuffer& buffer) {
+            for (std::int16_t& sample : buffer.allSamples())
+                sample = noise(played++);
+            ++filled;
+            queue.enqueueBuffer(buffer);
+        };
+        output = startQueue(system, &SoundSystem::newOutput, kOutputFramesPerBuffer, fill, uid);
     }
 
     void listen(const std::string& uid, RunLoop* runLoop = nullptr,
                 std::int32_t frames = kCaptureFramesPerBuffer) {
-        StreamDescription format;
-        format.frameCount = frames;
-        system.newInput(
-            format,
-            [this](AudioQueue& queue, AudioQueueBuffer& buffer) {
-                {
-                    const std::lock_guard lock(mutex);
-                    const auto samples = buffer.allSamples();
-                    heard.insert(heard.end(), samples.begin(), samples.end());
-                }
-                queue.enqueueBuffer(buffer);
-            },
-            {.streamName = "test", .runLoop = runLoop}, input);
-        input->enableLevelMetering(true);
-        begin(*input, format, uid);
+        const auto hear = [this](AudioQueue& queue, AudioQueueBuffer& buffer) {
+            {
+                const std::lock_guard lock(mutex);
+                const auto samples = buffer.allSamples();
+                heard.insert(heard.end(), samples.begin(), samples.end());
+            }
+            queue.enqueueBuffer(buffer);
+        };
+        input = startQueue(system, &SoundSystem::newInput, frames, hear, uid, runLoop);
     }
 
-    static void begin(AudioQueue& queue, const StreamDescription& format, const std::string& uid) {
-        queue.setCurrentDevice(uid);
-        for (int i = 0; i < kBuffersPerQueue; ++i) {
-            AudioQueueBuffer* buffer = nullptr;
-            queue.allocateBuffer(format.bufferBytes(), buffer);
-            buffer->byteSize = format.bufferBytes();
-            queue.enqueueBuffer(*buffer);
-        }
-        queue.start();
+    /// Listens to the line, plays into it once that runs, and waits until that runs too.
+    bool loop(RunLoop* runLoop = nullptr, std::int32_t frames = kCaptureFramesPerBuffer) {
+        listen("line.monitor", runLoop, frames);
+        const bool listens = waitFor([this] { return running(input); });
+        play("line");
+        return listens && waitFor([this] { return running(output); });
     }
 
     std::size_t heardSamples() {
@@ -99,11 +75,8 @@ struct Streams {
 
     /// Where in what was heard the noise begins; the end when it does not. With the mutex held.
     std::size_t beginning() const {
-        std::size_t first = 0;
-        while (first + 3 < heard.size() && !(heard[first] == noise(0) && heard[first + 1] == noise(1) &&
-                                             heard[first + 2] == noise(2) && heard[first + 3] == noise(3)))
-            ++first;
-        return first;
+        const std::int16_t start[] = {noise(0), noise(1), noise(2), noise(3)};
+        return static_cast<std::size_t>(std::ranges::search(heard, start).begin() - heard.begin());
     }
 
     /// Samples that were rendered and have not been heard yet.
@@ -185,9 +158,7 @@ TEST_F(PulseTest, SetsTheVolumeOfOneInputChannelAsAMixerShowsIt) {
     const AudioDeviceID sink = devices[3].id;
     EXPECT_EQ(system_.setInputVolume(monitor, 1, 0.5F), kNoError);
     EXPECT_EQ(system_.setInputVolume(monitor, 2, 0.25F), kNoError);
-    const auto mixer = [this] {
-        return server_.pactl("get-source-volume " + std::string("speaker.monitor"));
-    };
+    const auto mixer = [this] { return server_.pactl("get-source-volume speaker.monitor"); };
     EXPECT_TRUE(waitFor([&] {
         return mixer().find("front-left: 32768 /  50%") != std::string::npos &&
                mixer().find("front-right: 16384 /  25%") != std::string::npos;
@@ -204,9 +175,7 @@ TEST_F(PulseTest, SetsTheVolumeOfOneInputChannelAsAMixerShowsIt) {
 TEST_F(PulseTest, WhatIsPlayedArrivesToTheBitThoughTheWindowThreadStallsMeanwhile) {
     ManualRunLoop windowThread;
     Streams streams(system_);
-    streams.listen("line.monitor", &windowThread);
-    ASSERT_TRUE(waitFor([&] { return streams.running(streams.input); }));
-    streams.play("line");
+    ASSERT_TRUE(streams.loop(&windowThread));
     const auto turnUntil = [&](std::size_t samples) {
         return waitFor([&] {
             windowThread.turn();
@@ -237,9 +206,7 @@ TEST_F(PulseTest, WhatIsPlayedArrivesToTheBitThoughTheWindowThreadStallsMeanwhil
 
 TEST_F(PulseTest, TwoBuffersAreInStoreWhenTheNextIsRendered) {
     Streams streams(system_);
-    streams.listen("line.monitor", nullptr, 441);
-    ASSERT_TRUE(waitFor([&] { return streams.running(streams.input); }));
-    streams.play("line");
+    ASSERT_TRUE(streams.loop(nullptr, 441));
     ASSERT_TRUE(waitFor([&] { return streams.filled > 5; }));
     for (int i = 0; i < 8; ++i) {
         std::this_thread::sleep_for(61ms); // another place between two renderings every time
@@ -258,22 +225,16 @@ TEST_F(PulseTest, TwoBuffersAreInStoreWhenTheNextIsRendered) {
 
 TEST_F(PulseTest, AVolumeThatTheServerRemembersOfEarlierStreamsDoesNotTouchTheSamples) {
     server_.pactl("load-module module-stream-restore");
-    const auto start = [](Streams& streams) {
-        streams.listen("line.monitor");
-        EXPECT_TRUE(waitFor([&] { return streams.running(streams.input); }));
-        streams.play("line");
-        EXPECT_TRUE(waitFor([&] { return streams.running(streams.output); }));
-    };
     {
         Streams streams(system_);
-        start(streams);
+        ASSERT_TRUE(streams.loop());
         for (const std::string kind : {"source-output", "sink-input"}) {
             server_.pactl("set-" + kind + "-volume $(pactl list short " + kind + "s | cut -f1) 50%");
             EXPECT_NE(server_.pactl("list " + kind + "s").find("50%"), std::string::npos);
         }
     }
     Streams streams(system_);
-    start(streams);
+    ASSERT_TRUE(streams.loop());
     ASSERT_TRUE(waitFor([&] { return streams.filled > 12; }));
     EXPECT_TRUE(waitFor([&] { return bool(streams.heardEveryNote()); }))
         << streams.heardEveryNote().message();
@@ -301,20 +262,15 @@ TEST_F(PulseTest, ADeviceThatGoesAwayOrIsNotThereIsSaid) {
 
 TEST_F(PulseTest, AServerThatComesBackIsTakenUpAgain) {
     Streams streams(system_);
-    streams.play("line");
-    streams.listen("line.monitor");
-    ASSERT_TRUE(waitFor([&] { return streams.running(streams.output) && streams.running(streams.input); }));
+    ASSERT_TRUE(streams.loop());
     const auto before = threads();
     for (int i = 0; i < 2; ++i) {
         server_.stop();
         EXPECT_TRUE(waitFor([&] { return streams.output->state().phase == QueueState::Phase::Waiting; }));
         server_.start();
         const int filled = streams.filled;
-        const double seconds =
-            secondsOf([&] { EXPECT_TRUE(waitFor([&] { return streams.filled > filled; })); });
-        RecordProperty("millisecondsUntilItPlays", static_cast<int>(seconds * 1000));
         const std::size_t heard = streams.heardSamples();
-        EXPECT_TRUE(waitFor([&] { return streams.heardSamples() > heard; }));
+        EXPECT_TRUE(waitFor([&] { return streams.filled > filled && streams.heardSamples() > heard; }));
         EXPECT_EQ(streams.output->state().deviceName, "line");
     }
     EXPECT_EQ(threads(), before);
@@ -325,10 +281,7 @@ TEST(PulseHang, AServerThatHangsHoldsNobodyUp) {
     auto system = std::make_unique<PulseSoundSystem>();
     ASSERT_TRUE(system->connected(10s));
     auto streams = std::make_unique<Streams>(*system);
-    streams->play("line");
-    streams->listen("line.monitor");
-    ASSERT_TRUE(
-        waitFor([&] { return streams->running(streams->output) && streams->running(streams->input); }));
+    ASSERT_TRUE(streams->loop());
     const auto before = threads();
     server.freeze();
     const auto phase = [&] { return streams->output->state().phase; };
@@ -336,20 +289,19 @@ TEST(PulseHang, AServerThatHangsHoldsNobodyUp) {
     server.thaw();
     EXPECT_TRUE(waitFor([&] { return phase() == QueueState::Phase::Running; }));
     server.freeze();
+    const auto begin = std::chrono::steady_clock::now();
+    std::vector<DeviceDescription> devices;
+    EXPECT_EQ(system->deviceList(devices), kNoError);
+    EXPECT_EQ(system->setInputVolume(devices[0].id, 1, 0.5F), kNoError);
+    streams->output->state();
+    streams->input->stop();
+    streams->output->stop();
+    streams->output->dispose();
+    streams->play("line");
+    streams.reset();
+    system.reset();
     // Generous: a call that waited for the server would wait for ever.
-    EXPECT_LT(secondsOf([&] {
-                  std::vector<DeviceDescription> devices;
-                  EXPECT_EQ(system->deviceList(devices), kNoError);
-                  EXPECT_EQ(system->setInputVolume(devices[0].id, 1, 0.5F), kNoError);
-                  streams->output->state();
-                  streams->input->stop();
-                  streams->output->stop();
-                  streams->output->dispose();
-                  streams->play("line");
-                  streams.reset();
-                  system.reset();
-              }),
-              5.0);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, 5s);
     EXPECT_LT(threads(), before);
     server.thaw();
 }
@@ -380,8 +332,7 @@ TEST(PipeWire, WhatIsPlayedArrivesToTheBit) {
     EXPECT_EQ(system.name(), "PipeWire");
     Streams streams(system);
     streams.listen("line.monitor");
-    ASSERT_TRUE(waitFor([&] { return streams.running(streams.input); }));
-    ASSERT_TRUE(waitFor([&] { return streams.heardSamples() > 0; }));
+    ASSERT_TRUE(waitFor([&] { return streams.running(streams.input) && streams.heardSamples() > 0; }));
     streams.play("line");
     ASSERT_TRUE(waitFor([&] { return streams.heardSamples() >= 300000; }, 20));
     EXPECT_TRUE(streams.heardEveryNote());

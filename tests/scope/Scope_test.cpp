@@ -113,13 +113,9 @@ TEST(ScopeCapture, GainIsLimitedAndTruncated) {
         double gain;
         int shown;
     };
-    for (const Row& row : {Row{100, 1.999, 199},
-                           {-100, 1.999, -199},
-                           {328, 100, 32767},
-                           {-32768, 1, -32767},
-                           {-7, 1e300, -32767},
-                           {0, HUGE_VAL, 0},
-                           {7, kNan, 0}}) {
+    for (const Row& row :
+         {Row{100, 1.999, 199}, Row{-100, 1.999, -199}, Row{328, 100, 32767}, Row{-32768, 1, -32767},
+          Row{-7, 1e300, -32767}, Row{0, HUGE_VAL, 0}, Row{7, kNan, 0}}) {
         Scope scope;
         scope.controls.range = {row.gain, 1};
         scope.show(constant(row.sample), constant(row.sample));

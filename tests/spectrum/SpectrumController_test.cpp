@@ -1,16 +1,12 @@
 #include "spectrum/SpectrumController.h"
 
-#include "app/QtRunLoop.h"
 #include "spectrum/SpectrumTrace.h"
-#include "support/DeviceListSystem.h"
 #include "support/ToolWindow.h"
 #include "widgets/LevelIndicator.h"
 #include "widgets/RealSlider.h"
 
 #include <QCheckBox>
 #include <QImage>
-#include <QLabel>
-#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -20,43 +16,22 @@
 namespace sonotrace {
 namespace {
 
-class SpectrumWindowTest : public StoreTest {
+class SpectrumWindowTest : public ListeningWindowTest<SpectrumController> {
 protected:
-    void open(SoundSystem& system) {
-        controller_ = std::make_unique<SpectrumController>(system, runLoop_, preferences_);
-        controller_->awakeFromNib();
-    }
-
-    template <typename Control>
-    Control& find(const char* name) {
-        return StoreTest::find<Control>(controller_->window(), name);
-    }
-
-    void hear(double seconds) {
-        for (double heard = 0; heard < seconds; heard += 0.2) { // less than the stream can hold in store
-            system_.advance(44100 / 5);
-            QCoreApplication::processEvents();
-        }
-    }
-
     std::size_t loudestBin() const {
         const auto power = controller_->analysis().powerSpectrum();
         const auto half = power.first(static_cast<std::size_t>(controller_->analysis().fftSize()) / 2);
         return static_cast<std::size_t>(std::distance(half.begin(), std::ranges::max_element(half)));
     }
-
-    LoopbackSystem system_{LoopbackSystem::Clock::Manual};
-    QtRunLoop runLoop_;
-    std::unique_ptr<SpectrumController> controller_;
 };
 
 TEST_F(SpectrumWindowTest, AnEmptyStoreGivesTheDefaults) {
-    open(system_);
-    EXPECT_EQ(find<QLineEdit>("startFreqText").text(), "0");
-    EXPECT_EQ(find<QLineEdit>("endFreqText").text(), "5000");
-    EXPECT_EQ(find<QLineEdit>("numAvgText").text(), "1");
-    EXPECT_FALSE(find<QCheckBox>("fillCheckbox").isChecked());
-    EXPECT_FALSE(find<QCheckBox>("gridCheckbox").isChecked());
+    open();
+    for (const auto& [field, text] :
+         {std::pair{"startFreqText", "0"}, {"endFreqText", "5000"}, {"numAvgText", "1"}})
+        EXPECT_EQ(find<QLineEdit>(field).text(), text);
+    for (const char* box : {"fillCheckbox", "gridCheckbox"})
+        EXPECT_FALSE(find<QCheckBox>(box).isChecked()) << box;
     EXPECT_EQ(find<QComboBox>("fftSizePopup").currentText(), "64");
     EXPECT_EQ(find<QComboBox>("fftSizePopup").count(), 12);
     EXPECT_EQ(find<QComboBox>("windowPopup").itemText(9), "Flat top");
@@ -77,7 +52,7 @@ TEST_F(SpectrumWindowTest, StoredValuesAreClampedComeBackAndSurviveAnything) {
     preferences_.setInteger("inputPopup", 7);
     preferences_.setDouble("SPECTRUM_soundInputVolume", 350.9);
     preferences_.setDouble("spectrumStartFreq", std::nan(""));
-    open(system_);
+    open();
     EXPECT_EQ(controller_->analysis().numAvg(), 100);
     EXPECT_EQ(find<QComboBox>("fftSizePopup").currentIndex(), 0);
     EXPECT_EQ(find<QComboBox>("inputPopup").currentIndex(), 0);
@@ -85,16 +60,19 @@ TEST_F(SpectrumWindowTest, StoredValuesAreClampedComeBackAndSurviveAnything) {
     system_.getInputVolume(1, 1, volume);
     EXPECT_FLOAT_EQ(volume, 0.35F);
 
-    find<QLineEdit>("numAvgText").setText("250");
+    type("numAvgText", "250");
     EXPECT_EQ(controller_->analysis().numAvg(), 250) << "typed values are not clamped";
-    find<QLineEdit>("startFreqText").setText("123.5");
+    testing::internal::CaptureStderr();
+    type("startFreqText", "0.1");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "startFreqTextChanged -1717986918\n") << "the low half";
+    type("startFreqText", "123.5");
     find<QComboBox>("windowPopup").setCurrentIndex(6);
     find<QCheckBox>("logCheckbox").click();
     find<QCheckBox>("gridCheckbox").click();
     controller_->applicationWillTerminate();
     EXPECT_EQ(preferences_.integerValue("spectrumNumAvg"), 250);
     EXPECT_EQ(preferences_.integerValue("inputPopup"), 0);
-    open(system_);
+    open();
     EXPECT_EQ(controller_->display().spectrumStartFreq, 123.5);
     EXPECT_EQ(controller_->analysis().windowType(), 6);
     EXPECT_EQ(controller_->display().logMode, 1);
@@ -102,22 +80,10 @@ TEST_F(SpectrumWindowTest, StoredValuesAreClampedComeBackAndSurviveAnything) {
 
     for (const char* text : {"nan", "1e308", "-1e308", "-5", "", "99999999999"}) {
         for (const char* field : {"startFreqText", "endFreqText", "numAvgText"})
-            find<QLineEdit>(field).setText(text);
-        for (const QSize size : {QSize(900, 600), QSize(400, 300)}) {
-            controller_->window().resize(size);
-            EXPECT_FALSE(controller_->window().grab().isNull());
-        }
+            type(field, text);
+        controller_->window().grab();
         hear(1);
     }
-}
-
-TEST_F(SpectrumWindowTest, ATextHandlerLogsTheLowHalfOfTheNumber) {
-    open(system_);
-    testing::internal::CaptureStderr();
-    find<QLineEdit>("startFreqText").setText("0.1");
-    find<QLineEdit>("numAvgText").setText("3");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "startFreqTextChanged -1717986918\nnumAvgTextChanged 3\n");
 }
 
 TEST_F(SpectrumWindowTest, SizesWindowsAndAveragesChangeWhileItListens) {
@@ -126,27 +92,22 @@ TEST_F(SpectrumWindowTest, SizesWindowsAndAveragesChangeWhileItListens) {
     preferences_.setInteger("SPECTRUM_windowPopup", 1);
     Tone tone(system_);
     tone.bench.set(0, {44100.0 * 100 / 4096, 0, 0.9, 0, 0, 1}); // left only: the channels are added
-    open(system_);
+    open();
     hear(1);
     EXPECT_EQ(loudestBin(), 100U);
     EXPECT_TRUE(QTest::qWaitFor(
         [this] { return std::abs(find<LevelIndicator>("volumeLevel").doubleValue() - 0.9) < 0.01; }));
-    const auto choose = [this](const char* popup, int index) {
-        auto& box = find<QComboBox>(popup);
-        box.setCurrentIndex(index);
-        Q_EMIT box.activated(index);
-    };
     choose("fftSizePopup", 8);
     choose("windowPopup", 9);
     hear(1);
     EXPECT_EQ(loudestBin(), 400U);
-    find<QLineEdit>("numAvgText").setText("4");
+    type("numAvgText", "4");
     hear(3);
     EXPECT_EQ(loudestBin(), 400U);
     choose("inputPopup", 0); // the same device again: the stream is restarted
     hear(3);
     EXPECT_EQ(loudestBin(), 400U);
-    EXPECT_EQ(find<QLabel>("inputStatus").text(), "Built-in Loopback");
+    EXPECT_EQ(status(), "Built-in Loopback");
 
     tone.bench.set(0, {44100.0 * 100 / 4096, 0, 0.9, 0.9, 0, 1});
     hear(4);
@@ -167,7 +128,7 @@ TEST_F(SpectrumWindowTest, TheViewPaintsTraceAndGridsInTheirColours) {
     preferences_.setInteger("spectrumFillCheckbox", 1);
     Tone tone(system_);
     tone.bench.set(0, {2500, 0, 0.5, 0, 0, 1});
-    open(system_);
+    open();
     auto& view = find<QWidget>("mainView");
     hear(1);
     controller_->window().resize(800, 600);
@@ -180,28 +141,20 @@ TEST_F(SpectrumWindowTest, TheViewPaintsTraceAndGridsInTheirColours) {
     const int quiet = 50 + (view.width() - 130) / 4 + 5;
     // Between the lines of -30 and -20 dB.
     const int halfway = view.height() - static_cast<int>((7.5 * 2.3 + 1.67) * 0.0405 * view.height());
-    bool bar = false;
-    for (int x = middle - 4; x <= middle + 4; ++x)
-        bar = bar || image.pixelColor(x, halfway) == QColor(Qt::green);
-    EXPECT_TRUE(bar);
-    EXPECT_EQ(image.pixelColor(quiet, halfway), QColor(Qt::black));
     const int floor = view.height() - static_cast<int>(std::lround(view.height() * 0.0405 * 1.67));
-    bool red = false;
-    for (int y = floor - 2; y <= floor + 2; ++y)
-        red = red || image.pixelColor(quiet + 7, y) == QColor(Qt::red);
-    EXPECT_TRUE(red);
+    const auto near = [&image](int x, int y, Qt::GlobalColor colour) { // at most 4 columns and 2 rows away
+        bool found = false;
+        for (int i = 0; i < 9 * 5; ++i)
+            found = found || image.pixelColor(x - 4 + i % 9, y - 2 + i / 9) == QColor(colour);
+        return found;
+    };
+    EXPECT_TRUE(near(middle, halfway, Qt::green));
+    EXPECT_TRUE(near(quiet + 7, floor, Qt::red));
+    EXPECT_FALSE(near(quiet, halfway, Qt::green));
 }
 
 TEST_F(SpectrumWindowTest, WithoutAnInputDeviceItOpensAndSaysSo) {
-    DeviceListSystem system({device(3, "Speaker", 2, 0)});
-    open(system);
-    EXPECT_EQ(find<QComboBox>("inputPopup").currentIndex(), -1);
-    EXPECT_EQ(find<QLabel>("inputStatus").text(), "There is no input device");
-    EXPECT_FALSE(find<RealSlider>("soundInputVolume2").isEnabled());
-    Q_EMIT find<QComboBox>("inputPopup").activated(-1);
-    find<QSlider>("soundInputVolume2").setValue(500);
-    controller_->applicationWillTerminate();
-    EXPECT_EQ(preferences_.integerValue("inputPopup"), -1);
+    expectItOpensWithoutAnInputDeviceAndSaysSo();
 }
 
 } // namespace

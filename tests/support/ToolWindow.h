@@ -1,17 +1,25 @@
 #pragma once
 
 #include "app/Preferences.h"
+#include "app/QtRunLoop.h"
 #include "platform/loopback/LoopbackSystem.h"
+#include "support/DeviceListSystem.h"
+#include "support/Queues.h"
 #include "support/RenderBench.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
 #include <QLineEdit>
 #include <QSlider>
 #include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -19,44 +27,33 @@
 
 namespace sonotrace {
 
-/// A store of the test's own, filled before the window under test is made.
-class StoreTest : public testing::Test {
-protected:
-    StoreTest() : preferences_(folder_.filePath("Sonotrace.conf")) {}
+/// The control of that name and kind, which a window must have.
+template <typename Control>
+Control& findControl(const QWidget& window, const QString& name) {
+    auto* control = window.findChild<Control*>(name);
+    if (!control)
+        throw std::runtime_error("no control " + name.toStdString());
+    return *control;
+}
 
-    template <typename Control>
-    static Control& find(const QWidget& window, const QString& name) {
-        auto* control = window.findChild<Control*>(name);
-        if (!control)
-            throw std::runtime_error("no control " + name.toStdString());
-        return *control;
-    }
-
-    QTemporaryDir folder_;
-    Preferences preferences_;
-};
+/// Writes the file of preferences that a program finds when it starts.
+inline void writePreferences(const QByteArray& lines) {
+    const QString path = Preferences::defaultPath();
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[General]\n" + lines);
+}
 
 /// Plays what a test puts into its bank on a device that a window under test listens to.
 class Tone {
 public:
     explicit Tone(SoundSystem& system, const std::string& uid = {}) {
-        StreamDescription format;
-        format.frameCount = kOutputFramesPerBuffer;
-        system.newOutput(
-            format,
-            [this](AudioQueue& queue, AudioQueueBuffer& buffer) {
-                bench.output.render(buffer.allSamples());
-                queue.enqueueBuffer(buffer);
-            },
-            {}, queue_);
-        queue_->setCurrentDevice(uid);
-        for (int i = 0; i < kBuffersPerQueue; ++i) {
-            AudioQueueBuffer* buffer = nullptr;
-            queue_->allocateBuffer(format.bufferBytes(), buffer);
-            buffer->byteSize = format.bufferBytes();
-            queue_->enqueueBuffer(*buffer);
-        }
-        queue_->start();
+        const auto fill = [this](AudioQueue& queue, AudioQueueBuffer& buffer) {
+            bench.output.render(buffer.allSamples());
+            queue.enqueueBuffer(buffer);
+        };
+        queue_ = startQueue(system, &SoundSystem::newOutput, kOutputFramesPerBuffer, fill, uid);
     }
 
     RenderBench bench;
@@ -81,6 +78,111 @@ inline void expectUsableWindow(const QWidget& window) {
         EXPECT_FALSE(control->accessibleDescription().isEmpty()) << control->objectName().toStdString();
         EXPECT_FALSE(control->toolTip().isEmpty()) << control->objectName().toStdString();
     }
+}
+
+/// Answers the next file panel: chooses `path`, or cancels when it is empty. To be called before the panel
+/// opens.
+inline void answerFilePanel(const QString& path, QString* title = nullptr) {
+    auto* timer = new QTimer(qApp);
+    timer->callOnTimeout([timer, path, title] {
+        auto* panel = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+        if (!panel)
+            return;
+        timer->deleteLater();
+        if (title)
+            *title = panel->windowTitle();
+        if (path.isEmpty()) {
+            panel->reject();
+            return;
+        }
+        // As typed: selectFile() does nothing while the name's field has the focus.
+        panel->findChild<QLineEdit*>("fileNameEdit")->setText(path);
+        static_cast<QDialog*>(panel)->accept();
+    });
+    timer->start(20);
+}
+
+/// A store of the test's own, filled before the window under test is made.
+class StoreTest : public testing::Test {
+protected:
+    StoreTest() : preferences_(folder_.filePath("Sonotrace.conf")) {}
+
+    QTemporaryDir folder_;
+    Preferences preferences_;
+};
+
+/// A loopback whose time the test moves.
+struct ManualLoopback : LoopbackSystem {
+    ManualLoopback() : LoopbackSystem(Clock::Manual) {}
+};
+
+/// A window that listens, by default to a system of the test's own.
+template <typename Controller, typename System = ManualLoopback>
+class ListeningWindowTest : public StoreTest {
+protected:
+    void open(SoundSystem& system) {
+        if constexpr (std::is_constructible_v<Controller, SoundSystem&, Preferences&>)
+            controller_ = std::make_unique<Controller>(system, preferences_);
+        else
+            controller_ = std::make_unique<Controller>(system, runLoop_, preferences_);
+        controller_->awakeFromNib();
+    }
+    void open() { open(system_); }
+
+    template <typename Control>
+    Control& find(const QString& name) {
+        return findControl<Control>(controller_->window(), name);
+    }
+
+    void type(const char* field, const QString& text) { find<QLineEdit>(field).setText(text); }
+
+    /// Chooses from a pop-up as a user does.
+    void choose(const char* popup, int index) {
+        auto& box = find<QComboBox>(popup);
+        box.setCurrentIndex(index);
+        Q_EMIT box.activated(index);
+    }
+
+    QString status() { return find<QLabel>("inputStatus").text(); }
+
+    /// Lets time pass, in steps shorter than what a stream holds in store.
+    void hear(double seconds) {
+        for (double heard = 0; heard < seconds; heard += 0.25) {
+            system_.advance(11025);
+            QTest::qWait(1);
+        }
+    }
+
+    /// What every window does where no device has an input.
+    void expectItOpensWithoutAnInputDeviceAndSaysSo(const char* popupKey = "inputPopup") {
+        DeviceListSystem system({device(3, "Speaker", 2, 0)});
+        open(system);
+        EXPECT_EQ(find<QComboBox>("inputPopup").currentIndex(), -1);
+        EXPECT_EQ(status(), "There is no input device");
+        EXPECT_FALSE(find<QSlider>("soundInputVolume2").isEnabled());
+        choose("inputPopup", -1);
+        find<QSlider>("soundInputVolume2").setValue(500);
+        controller_->window().grab();
+        controller_->applicationWillTerminate();
+        EXPECT_EQ(preferences_.integerValue(popupKey), -1);
+        controller_.reset(); // before its system
+    }
+
+    System system_;
+    QtRunLoop runLoop_;
+    std::unique_ptr<Controller> controller_;
+};
+
+/// Stores what makes a waterfall listen with full volume to 0 to 22050 Hz in lines of 1024 samples, 43 a
+/// second.
+inline void storePlainWaterfall(Preferences& preferences) {
+    using Entry = std::pair<const char*, double>;
+    for (const auto& [key, value] :
+         {Entry{"waterfallEndingFreq", 22050}, Entry{"waterfallGain", 1}, Entry{"waterfallSpeedup", 1},
+          Entry{"fftSizeLog2", 10}, Entry{"WATERFALL_fftSizePopup", 4}, Entry{"WATERFALL_windowPopup", 1},
+          Entry{"colorWaterfallPlot", 1}, Entry{"soundInputVolume", 1000}, Entry{"WATERFALL_minDB", 60},
+          Entry{"WATERFALL_maxDB", 100}})
+        preferences.setDouble(key, value);
 }
 
 } // namespace sonotrace

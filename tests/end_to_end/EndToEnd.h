@@ -1,0 +1,116 @@
+#pragma once
+
+#include "platform/pulse/PulseSoundSystem.h"
+#include "support/PrivateServer.h"
+
+#include <QFile>
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <span>
+
+namespace sonotrace {
+
+/// A private server and the sound system on it.
+struct ServedSystem : PrivateServer, PulseSoundSystem {
+    ServedSystem() { EXPECT_TRUE(connected(std::chrono::seconds(10))); }
+};
+
+/// A test that runs on a private server of each kind.
+class OnEachServer : public testing::TestWithParam<PrivateServer::Kind> {
+protected:
+    OnEachServer() : server_(GetParam()) {}
+
+    QString path(const char* name) const {
+        return QString::fromStdString((server_.folder() / name).string());
+    }
+
+    PrivateServer server_;
+};
+
+inline const auto kServers = testing::Values(PrivateServer::Kind::PulseAudio, PrivateServer::Kind::PipeWire);
+
+inline std::string serverName(const testing::TestParamInfo<PrivateServer::Kind>& kind) {
+    return kind.param == PrivateServer::Kind::PulseAudio ? "PulseAudio" : "PipeWire";
+}
+
+/// The program itself, started as a user starts it but without a display. Its log and diagnostics are kept.
+class Program {
+public:
+    explicit Program(const QStringList& arguments = {}) {
+        process_.setProcessChannelMode(QProcess::MergedChannels);
+        process_.start(SONOTRACE_PROGRAM, arguments);
+        process_.waitForStarted();
+    }
+    ~Program() {
+        process_.kill();
+        process_.waitForFinished();
+    }
+
+    /// Asks it to quit as the end of a session does. True when it is gone, with status 0, within two seconds.
+    bool quit() {
+        process_.terminate();
+        return process_.waitForFinished(2000) && process_.exitStatus() == QProcess::NormalExit &&
+               process_.exitCode() == 0;
+    }
+
+    QByteArray output() { return process_.readAll(); }
+
+private:
+    QProcess process_;
+};
+
+/// What a device's listeners hear, recorded by the sound server's own tool.
+class Monitor {
+public:
+    /// `file` is where the samples go.
+    Monitor(const QString& source, const QString& file) : file_(file) {
+        process_.start("parec", {"--device=" + source, "--raw", "--format=s16le", "--rate=44100",
+                                 "--channels=2", "--latency-msec=50", file});
+        process_.waitForStarted();
+    }
+    ~Monitor() {
+        process_.terminate();
+        process_.waitForFinished();
+    }
+
+    std::vector<std::int16_t> heard() const {
+        QFile file(file_);
+        if (!file.open(QIODevice::ReadOnly))
+            return {};
+        const QByteArray bytes = file.readAll();
+        std::vector<std::int16_t> samples(static_cast<std::size_t>(bytes.size()) / 4 * 2);
+        std::copy_n(bytes.constData(), samples.size() * 2, reinterpret_cast<char*>(samples.data()));
+        return samples;
+    }
+
+    /// Frames that are not silence.
+    std::size_t soundingFrames() const {
+        std::size_t count = 0;
+        const auto samples = heard();
+        for (std::size_t i = 0; i + 1 < samples.size(); i += 2)
+            count += samples[i] != 0 || samples[i + 1] != 0 ? 1 : 0;
+        return count;
+    }
+
+private:
+    const QString file_;
+    QProcess process_;
+};
+
+/// Length of the longest piece of `signal`, from its beginning, that stands somewhere in `heard`. Both are
+/// interleaved.
+inline std::size_t longestMatch(std::span<const std::int16_t> signal, std::span<const std::int16_t> heard) {
+    std::size_t longest = 0;
+    for (std::size_t at = 0; at < heard.size(); at += 2) {
+        std::size_t length = 0;
+        while (at + length < heard.size() && length < signal.size() && heard[at + length] == signal[length])
+            ++length;
+        longest = std::max(longest, length);
+    }
+    return longest;
+}
+
+} // namespace sonotrace
