@@ -11,6 +11,10 @@
 
 namespace sonotrace {
 
+namespace {
+constexpr qint64 kNoticeTime = 4000; // ms
+}
+
 InputSource::InputSource(SoundSystem& system, AudioDeviceTable::Variant devices,
                          const CaptureVariant& variant, const InputControls& controls,
                          CaptureStream::Capture capture)
@@ -43,6 +47,7 @@ void InputSource::startSound() {
 }
 
 void InputSource::doInputDevice() {
+    notice_.invalidate();
     stopSound();
     startSound();
 }
@@ -75,8 +80,19 @@ void InputSource::SetInputGain(float gain) {
 }
 
 void InputSource::showState() {
-    const QString text =
-        controls_.inputPopup->count() == 0 ? tr("There is no input device") : describeStream(stream_.state());
+    if (notice_.isValid() && !notice_.hasExpired(kNoticeTime))
+        return;
+    notice_.invalidate();
+    say(controls_.inputPopup->count() == 0 ? tr("There is no input device")
+                                           : describeStream(stream_.state()));
+}
+
+void InputSource::showNotice(const QString& text) {
+    notice_.start();
+    say(text);
+}
+
+void InputSource::say(const QString& text) {
     controls_.inputStatus->setText(text);
     controls_.inputStatus->setToolTip(text);
 }

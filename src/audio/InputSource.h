@@ -4,6 +4,7 @@
 #include "audio/CaptureStream.h"
 #include "audio/InputGain.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 
 class QComboBox;
@@ -43,6 +44,9 @@ public:
     /// Says in the window what is listened to. To be called a few times a second.
     void showState();
 
+    /// Says something else in its place, for a few seconds or until another device is chosen.
+    void showNotice(const QString& text);
+
     const AudioDeviceTable& devices() const { return devices_; }
 
 Q_SIGNALS:
@@ -53,6 +57,7 @@ Q_SIGNALS:
 
 private:
     void doInputDevice();
+    void say(const QString& text);
     void setSoundInputVolume();
     void SetInputGainSliderVisibility();
     void SetInputGain(float gain);
@@ -64,6 +69,7 @@ private:
     AudioDeviceTable devices_;
     InputGain gain_;
     CaptureStream stream_;
+    QElapsedTimer notice_; ///< since it is shown; not valid while there is none
 };
 
 } // namespace sonotrace

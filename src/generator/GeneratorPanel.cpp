@@ -103,28 +103,29 @@ void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
     introduce(*controls.phase, "phase", slot, kPhaseTag + slot, tr("phase"),
               tr("Phase in degrees, -360 to 360"));
 
-    controls.volumeLeft = volumeSlider(slot, kVolumeLeftTag + slot, 400, tr("left"), settings.volumeLeft);
-    controls.readoutLeft = readout(slot, 525, tr("left"), settings.volumeLeft);
-    controls.volumeRight = volumeSlider(slot, kVolumeRightTag + slot, 570, tr("right"), settings.volumeRight);
-    controls.readoutRight = readout(slot, 695, tr("right"), settings.volumeRight);
+    controls.volumeLeft =
+        volumeSlider(slot, "volumeLeft", kVolumeLeftTag + slot, 400, tr("left"), settings.volumeLeft);
+    controls.readoutLeft = readout(slot, "readoutLeft", 525, tr("left"), settings.volumeLeft);
+    controls.volumeRight =
+        volumeSlider(slot, "volumeRight", kVolumeRightTag + slot, 570, tr("right"), settings.volumeRight);
+    controls.readoutRight = readout(slot, "readoutRight", 695, tr("right"), settings.volumeRight);
 }
 
-RealSlider* GeneratorPanel::volumeSlider(int slot, int tag, int x, const QString& channel, double volume) {
+RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, int x, const QString& channel,
+                                         double volume) {
     auto* slider = new RealSlider(this);
     slider->setGeometry(x, rowY(slot), 125, 25);
     slider->setDoubleValue(volume);
-    introduce(*slider, tag >= kVolumeRightTag ? "volumeRight" : "volumeLeft", slot, tag,
-              tr("%1 volume").arg(channel),
+    introduce(*slider, name, slot, tag, tr("%1 volume").arg(channel),
               tr("Volume of the %1 channel, 0 to 100 % of the generator's share").arg(channel));
     connect(slider, &RealSlider::valueEdited, this, [this, slider] { volSliderEvent(*slider); });
     return slider;
 }
 
-QLabel* GeneratorPanel::readout(int slot, int x, const QString& channel, double volume) {
+QLabel* GeneratorPanel::readout(int slot, const char* name, int x, const QString& channel, double volume) {
     auto* label = new QLabel(percent(volume), this);
     label->setGeometry(x, rowY(slot) + 3, 40, 20);
-    introduce(*label, x > 600 ? "readoutRight" : "readoutLeft", slot, 0,
-              tr("%1 volume in per cent").arg(channel),
+    introduce(*label, name, slot, 0, tr("%1 volume in per cent").arg(channel),
               tr("Volume of the %1 channel in per cent").arg(channel));
     return label;
 }
@@ -148,18 +149,12 @@ void GeneratorPanel::placeCaptions() {
 void GeneratorPanel::volSliderEvent(const RealSlider& sender) {
     const int tag = sender.property("tag").toInt();
     systemLog("volSliderEvent %d", tag);
-    for (int slot = 0; slot < kGeneratorCount; ++slot) {
-        GeneratorSlot& values = bank_.slots[static_cast<std::size_t>(slot)];
-        const double volume = sender.doubleValue();
-        if (tag == kVolumeLeftTag + slot) {
-            values.volumeLeft.store(volume, std::memory_order_relaxed);
-            row(slot).readoutLeft->setText(percent(volume));
-        }
-        if (tag == kVolumeRightTag + slot) {
-            values.volumeRight.store(volume, std::memory_order_relaxed);
-            row(slot).readoutRight->setText(percent(volume));
-        }
-    }
+    const bool isRight = tag >= kVolumeRightTag;
+    const int slot = tag - (isRight ? kVolumeRightTag : kVolumeLeftTag);
+    GeneratorSlot& values = bank_.slots[static_cast<std::size_t>(slot)];
+    const double volume = sender.doubleValue();
+    (isRight ? values.volumeRight : values.volumeLeft).store(volume, std::memory_order_relaxed);
+    (isRight ? row(slot).readoutRight : row(slot).readoutLeft)->setText(percent(volume));
 }
 
 void GeneratorPanel::poll() {

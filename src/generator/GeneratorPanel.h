@@ -55,8 +55,9 @@ private:
 
     void buildRow(int slot, const GeneratorSettings& settings);
     void placeCaptions();
-    RealSlider* volumeSlider(int slot, int tag, int x, const QString& channel, double volume);
-    QLabel* readout(int slot, int x, const QString& channel, double volume);
+    RealSlider* volumeSlider(int slot, const char* name, int tag, int x, const QString& channel,
+                             double volume);
+    QLabel* readout(int slot, const char* name, int x, const QString& channel, double volume);
     void volSliderEvent(const RealSlider& sender);
 
     Row& row(int slot) { return rows_[static_cast<std::size_t>(slot)]; }

@@ -279,9 +279,8 @@ void WaterfallController::menuSaveWaterfallPicture() {
     const bool written =
         file.open(QIODevice::WriteOnly) && file.write(picture) == picture.size() && file.commit();
     const QString name = QFileInfo(*path).fileName();
-    ui_->inputStatus->setText(written ? tr("Picture saved to %1").arg(name)
-                                      : tr("%1 cannot be written: %2").arg(name, file.errorString()));
-    ticks_ = -kTicksPerState * 8; // the next look at the stream leaves it there for a few seconds
+    source_->showNotice(written ? tr("Picture saved to %1").arg(name)
+                                : tr("%1 cannot be written: %2").arg(name, file.errorString()));
 }
 
 void WaterfallController::applicationWillTerminate() {

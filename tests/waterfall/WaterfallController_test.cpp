@@ -112,6 +112,7 @@ TEST_F(WaterfallWindowTest, AToneIsALineThatClicksMeasureAndAPictureKeeps) {
 
     answerFilePanel(folder_.filePath("waterfall"));
     find<QAbstractButton>("menuSaveWaterfallPicture").click();
+    EXPECT_EQ(status(), "Picture saved to waterfall.png");
     const QImage saved(folder_.filePath("waterfall.png"));
     EXPECT_EQ(saved.size(), QSize(1536, 1024));
     EXPECT_EQ(saved.pixelColor(view().width() - 5, 1024 - view().height() + middle), line);
@@ -121,6 +122,7 @@ TEST_F(WaterfallWindowTest, AToneIsALineThatClicksMeasureAndAPictureKeeps) {
     // Grey, and a restart of the stream.
     find<QCheckBox>("colorButton").click();
     choose("inputPopup", 0);
+    EXPECT_EQ(status(), "Built-in Loopback") << "the notice ends with the choice";
     QTest::qWait(120);
     hear(1);
     const QColor grey = view().grab().toImage().pixelColor(shown.width() - 5, middle);
