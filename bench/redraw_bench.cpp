@@ -40,7 +40,7 @@ void redrawSpectrum(benchmark::State& state) {
     for (int i = 0; i < 8; ++i)
         analysis.capture(noise(11025));
     SpectrumView view;
-    view.show(analysis, display);
+    view.setModel(analysis, display);
     state.SetLabel(state.range(0) != 0 ? "bars" : "line");
     redraw(state, view);
 }
@@ -62,7 +62,7 @@ void redrawScope(benchmark::State& state) {
     capture.capture(noise(11025));
     capture.capture(noise(11025));
     ScopeView view;
-    view.show(controls, capture);
+    view.setModel(controls, capture);
     redraw(state, view);
 }
 BENCHMARK(redrawScope)->Unit(benchmark::kMillisecond);

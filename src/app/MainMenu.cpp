@@ -1,6 +1,6 @@
 #include "app/MainMenu.h"
 
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 
 #include <QAction>
 #include <QKeySequence>

@@ -1,8 +1,8 @@
 #include "app/PictureTour.h"
 
-#include "app/Preferences.h"
 #include "app/WindowControl.h"
 #include "generator/GeneratorBank.h"
+#include "widgets/Preferences.h"
 
 #include <QAction>
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "app/SoundSystemChoice.h"
 
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 #include "platform/loopback/LoopbackSystem.h"
 #include "platform/pulse/PulseSoundSystem.h"
 

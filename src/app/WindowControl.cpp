@@ -1,17 +1,18 @@
 #include "app/WindowControl.h"
 
-#include "app/FilePanels.h"
-#include "app/GeneratorPreferences.h"
+#include "app/FirstRunDefaults.h"
 #include "app/GeneratorWindow.h"
 #include "app/Resources.h"
-#include "app/SettingsFile.h"
 #include "app/StatusLine.h"
+#include "base/SystemLog.h"
 #include "generator/GeneratorPanel.h"
-#include "platform/SystemLog.h"
+#include "generator/GeneratorPreferences.h"
+#include "generator/SettingsFile.h"
 #include "scope/ScopeController.h"
 #include "spectrum/SpectrumController.h"
 #include "sweep/SweepController.h"
 #include "waterfall/WaterfallController.h"
+#include "widgets/FilePanels.h"
 #include "widgets/PopUp.h"
 
 #include <QAbstractButton>
@@ -63,7 +64,8 @@ void WindowControl::awakeFromNib() {
 
     deleteSomeMenuItems(*window_->menuBar());
     preferences_.restoreFrame(*window_, kFrameKey);
-    loadGeneratorBank(preferences_, bank_);
+    if (loadGeneratorBank(preferences_, bank_))
+        writeFirstRunDefaults(preferences_);
     panel_->BuildControls();
     GetSoundDevices();
     SetSoundDevices();

@@ -1,16 +1,16 @@
 #pragma once
 
 #include "app/MainMenu.h"
-#include "app/Preferences.h"
-#include "app/QtRunLoop.h"
 #include "audio/AudioDeviceTable.h"
+#include "audio/OutputStream.h"
 #include "generator/GeneratorBank.h"
 #include "generator/OutputRender.h"
-#include "generator/OutputStream.h"
 #include "generator/SineTable.h"
 #include "generator/SweepParameters.h"
 #include "generator/WavRecorder.h"
 #include "platform/SoundSystem.h"
+#include "widgets/Preferences.h"
+#include "widgets/QtRunLoop.h"
 
 #include <QObject>
 #include <QTimer>

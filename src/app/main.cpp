@@ -1,9 +1,9 @@
 #include "app/Arguments.h"
 #include "app/PictureTour.h"
-#include "app/Preferences.h"
 #include "app/QuitSignals.h"
 #include "app/Resources.h"
 #include "app/WindowControl.h"
+#include "widgets/Preferences.h"
 
 #include <QApplication>
 #include <QIcon>

@@ -1,6 +1,6 @@
 #include "audio/AudioDeviceTable.h"
 
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 
 #include <algorithm>
 

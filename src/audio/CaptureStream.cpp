@@ -1,6 +1,6 @@
 #include "audio/CaptureStream.h"
 
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "audio/InputGain.h"
 
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 
 namespace sonotrace {
 

@@ -1,9 +1,8 @@
 #include "audio/StreamQueue.h"
 
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace sonotrace {
 
@@ -42,7 +41,6 @@ void StreamQueue::stopSound() {
         queue_.reset();
     } else {
         systemLog("AudioQueueStop err %d\n", status);
-        unstopped_.push_back(std::move(queue_));
     }
 }
 

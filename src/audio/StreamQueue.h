@@ -5,7 +5,6 @@
 
 #include <memory>
 #include <optional>
-#include <vector>
 
 namespace sonotrace {
 
@@ -31,7 +30,6 @@ public:
 
 private:
     std::unique_ptr<AudioQueue> queue_;
-    std::vector<std::unique_ptr<AudioQueue>> unstopped_; ///< queues whose stop failed are left as they are
 };
 
 } // namespace sonotrace

@@ -1,8 +1,8 @@
 #include "generator/GeneratorPanel.h"
 
+#include "base/Numbers.h"
+#include "base/SystemLog.h"
 #include "generator/Waveforms.h"
-#include "platform/Numbers.h"
-#include "platform/SystemLog.h"
 #include "widgets/NumberField.h"
 #include "widgets/PopUp.h"
 #include "widgets/RealSlider.h"

@@ -1,6 +1,6 @@
 #include "generator/Mixing.h"
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
 #include "generator/SweepSynthesis.h"
 
-#include "generator/Waveforms.h"
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
+#include "base/SampleRate.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,7 @@
 #include "generator/WavRecorder.h"
 
-#include "platform/SystemLog.h"
+#include "base/SampleRate.h"
+#include "base/SystemLog.h"
 
 #include <bit>
 #include <cstring>
@@ -15,7 +16,7 @@ namespace {
 constexpr int kChannels = 2;
 constexpr int kRateSelector = 2;
 constexpr int kBitsPerSample = 16;
-constexpr double kBytesPerSecond = 176400.0;
+constexpr double kBytesPerSecond = kSampleRate * kChannels * kBitsPerSample / 8;
 
 std::uint32_t sampleRate(int selector) {
     switch (selector) {

@@ -1,6 +1,7 @@
 #include "generator/Waveforms.h"
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
+#include "base/SampleRate.h"
 
 #include <algorithm>
 #include <array>

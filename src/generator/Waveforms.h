@@ -14,9 +14,6 @@ namespace sonotrace {
 /// The waveforms, in the order of the pop-up menu.
 enum class WaveformType : std::int32_t { Sine, Square, Sawtooth, Triangle, White, Pink, Pulse, Off };
 
-/// Frames a second that the waveforms and the sweep are made for.
-inline constexpr double kSampleRate = 44100.0;
-
 /// What a voice remembers from buffer to buffer. Audio thread.
 struct VoiceState {
     double accumulator = 0;     ///< running phase without the phase offset; its unit is the waveform's own

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/SampleRate.h"
+
 #include <cstdint>
 
 namespace sonotrace {
@@ -7,7 +9,7 @@ namespace sonotrace {
 /// The one stream format of the program: interleaved stereo, signed packed 16-bit samples at 44.1 kHz,
 /// followed by the number of frames one buffer holds.
 struct StreamDescription {
-    double sampleRate = 44100.0;         ///< frames per second
+    double sampleRate = kSampleRate;     ///< frames per second
     std::uint32_t formatId = 0x6C70636D; ///< 'lpcm', linear PCM
     std::uint32_t formatFlags = 12;      ///< signed integer, packed
     std::uint32_t bytesPerPacket = 4;

@@ -1,6 +1,6 @@
 #include "scope/ScopeCapture.h"
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
 #include "platform/StreamDescription.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #include "scope/ScopeController.h"
 
-#include "app/Preferences.h"
-#include "platform/Numbers.h"
-#include "platform/SystemLog.h"
+#include "base/Numbers.h"
+#include "base/SystemLog.h"
 #include "ui_ScopeWindow.h"
 #include "widgets/PopUp.h"
+#include "widgets/Preferences.h"
 
 namespace sonotrace {
 
@@ -55,7 +55,7 @@ ScopeController::~ScopeController() {
 }
 
 void ScopeController::awakeFromNib() {
-    ui_->mainView->show(*this, capture_);
+    ui_->mainView->setModel(*this, capture_);
     preferences_.restoreFrame(window_, kFrameKey);
     source_->GetSoundDevices();
     source_->SetSoundDevices();

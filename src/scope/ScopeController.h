@@ -1,8 +1,8 @@
 #pragma once
 
-#include "audio/InputSource.h"
 #include "scope/ScopeCapture.h"
 #include "scope/ScopeControls.h"
+#include "widgets/InputSource.h"
 
 #include <QObject>
 #include <QTimer>

@@ -1,6 +1,6 @@
 #include "scope/ScopeControls.h"
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
 
 #include <algorithm>
 #include <cmath>

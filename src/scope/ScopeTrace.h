@@ -1,9 +1,9 @@
 #pragma once
 
+#include "base/PlotShapes.h"
 #include "scope/ScopeCapture.h"
 #include "scope/ScopeControls.h"
 #include "scope/TriggerSearch.h"
-#include "spectrum/PlotShapes.h"
 
 #include <array>
 #include <cstdint>

@@ -8,7 +8,7 @@ ScopeView::ScopeView(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
-void ScopeView::show(const ScopeControls& controls, const ScopeCapture& capture) {
+void ScopeView::setModel(const ScopeControls& controls, const ScopeCapture& capture) {
     controls_ = &controls;
     capture_ = &capture;
     update();

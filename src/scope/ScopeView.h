@@ -16,8 +16,7 @@ public:
     explicit ScopeView(QWidget* parent = nullptr);
 
     /// What is shown; both outlive the view. Until then the view stays empty.
-    void show(const ScopeControls& controls, const ScopeCapture& capture);
-    using QWidget::show;
+    void setModel(const ScopeControls& controls, const ScopeCapture& capture);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -1,6 +1,6 @@
 #include "scope/TriggerSearch.h"
 
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #include "spectrum/SpectrumAnalysis.h"
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
 
 #include <algorithm>
 #include <utility>
@@ -76,10 +76,8 @@ void SpectrumAnalysis::accumulateBlock() {
     while (!work.empty()) {
         const std::size_t samples = std::min(work.size() / 2, kRingSamples - ringReadIndex_);
         const std::int16_t* const source = sampleRing_.data() + ringReadIndex_;
-        for (std::size_t i = 0; i < samples; ++i) {
-            work[2 * i] += source[i];
-            work[2 * i + 1] = 0.0;
-        }
+        for (std::size_t i = 0; i < samples; ++i)
+            work[2 * i] += source[i]; // the imaginary parts are 0 since the last spectrum was taken
         ringReadIndex_ = (ringReadIndex_ + samples) % kRingSamples;
         work = work.subspan(2 * samples);
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "spectrum/FftWindows.h"
+#include "base/FftWindows.h"
 #include "spectrum/SpectrumFft.h"
 
 #include <array>

@@ -1,11 +1,11 @@
 #include "spectrum/SpectrumController.h"
 
-#include "app/Preferences.h"
-#include "platform/Numbers.h"
-#include "platform/SystemLog.h"
-#include "spectrum/FftWindows.h"
+#include "base/FftWindows.h"
+#include "base/Numbers.h"
+#include "base/SystemLog.h"
 #include "ui_SpectrumWindow.h"
 #include "widgets/PopUp.h"
+#include "widgets/Preferences.h"
 
 #include <algorithm>
 #include <bit>
@@ -54,7 +54,7 @@ SpectrumController::~SpectrumController() {
 void SpectrumController::awakeFromNib() {
     preferences_.restoreFrame(window_, kFrameKey);
     restoreSettings();
-    ui_->mainView->show(analysis_, display_);
+    ui_->mainView->setModel(analysis_, display_);
     fillMenus();
     ui_->soundInputVolume2->setDoubleValue(
         truncateToInt32(preferences_.doubleValue("SPECTRUM_soundInputVolume")));

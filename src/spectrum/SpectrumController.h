@@ -1,8 +1,8 @@
 #pragma once
 
-#include "audio/InputSource.h"
 #include "spectrum/SpectrumAnalysis.h"
 #include "spectrum/SpectrumGeometry.h"
+#include "widgets/InputSource.h"
 
 #include <QObject>
 #include <QTimer>

@@ -1,6 +1,7 @@
 #include "spectrum/SpectrumGeometry.h"
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
+#include "base/SampleRate.h"
 
 #include <cmath>
 
@@ -33,7 +34,7 @@ SpectrumGeometry spectrumGeometry(const PlotRect& bounds, const SpectrumDisplay&
     geometry.yFloor = geometry.yScale * 1.67;
     geometry.hzPerPixel = (display.spectrumEndFreq - display.spectrumStartFreq) / geometry.width;
     geometry.logStep = kDecades / geometry.width;
-    geometry.binHz = 44100.0 / fftSize;
+    geometry.binHz = kSampleRate / fftSize;
     geometry.powerScale = std::pow(4.0, -(std::log(fftSize) / kLn2 - 9.0));
     return geometry;
 }

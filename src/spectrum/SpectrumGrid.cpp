@@ -1,6 +1,6 @@
 #include "spectrum/SpectrumGrid.h"
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
 
 #include <array>
 #include <cmath>

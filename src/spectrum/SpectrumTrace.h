@@ -1,6 +1,6 @@
 #pragma once
 
-#include "spectrum/PlotShapes.h"
+#include "base/PlotShapes.h"
 #include "spectrum/SpectrumGeometry.h"
 
 #include <span>

@@ -24,7 +24,7 @@ SpectrumView::SpectrumView(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
-void SpectrumView::show(const SpectrumAnalysis& analysis, const SpectrumDisplay& display) {
+void SpectrumView::setModel(const SpectrumAnalysis& analysis, const SpectrumDisplay& display) {
     analysis_ = &analysis;
     display_ = &display;
     update();

@@ -18,8 +18,7 @@ public:
     explicit SpectrumView(QWidget* parent = nullptr);
 
     /// What is shown; both outlive the view. Until then the view stays empty.
-    void show(const SpectrumAnalysis& analysis, const SpectrumDisplay& display);
-    using QWidget::show;
+    void setModel(const SpectrumAnalysis& analysis, const SpectrumDisplay& display);
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -1,9 +1,9 @@
 #include "sweep/SweepController.h"
 
-#include "app/Preferences.h"
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 #include "sweep/SweepStatus.h"
 #include "ui_SweepWindow.h"
+#include "widgets/Preferences.h"
 
 namespace sonotrace {
 

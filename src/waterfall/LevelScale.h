@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
 
 #include <algorithm>
 #include <cmath>

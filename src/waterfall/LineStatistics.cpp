@@ -1,6 +1,6 @@
 #include "waterfall/LineStatistics.h"
 
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 
 namespace sonotrace {
 

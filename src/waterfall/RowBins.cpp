@@ -1,6 +1,6 @@
 #include "waterfall/RowBins.h"
 
-#include "waterfall/WaterfallParameters.h"
+#include "base/SampleRate.h"
 
 #include <cmath>
 
@@ -22,7 +22,7 @@ void RowBins::setScale(const Scale& scale) {
         return;
     scale_ = scale;
     rows_ = std::min(static_cast<std::size_t>(std::ceil(scale.height)), kMostRows);
-    const double binWidth = kWaterfallSampleRate / scale.len;
+    const double binWidth = kSampleRate / scale.len;
     const double step = (scale.endFreq - scale.startFreq) / static_cast<double>(scale.height);
     for (std::size_t y = 0; y <= rows_; ++y)
         edges_[y] = binIndex((scale.startFreq + static_cast<double>(y) * step) / binWidth, scale.bins);

@@ -1,6 +1,6 @@
 #include "waterfall/SampleRing.h"
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
 
 namespace sonotrace {
 

@@ -1,6 +1,6 @@
 #include "waterfall/WaterfallAnalysis.h"
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
 #include "platform/StreamDescription.h"
 
 #include <algorithm>

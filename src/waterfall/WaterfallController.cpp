@@ -1,12 +1,12 @@
 #include "waterfall/WaterfallController.h"
 
-#include "app/FilePanels.h"
-#include "app/Preferences.h"
-#include "platform/Numbers.h"
-#include "platform/SystemLog.h"
-#include "spectrum/FftWindows.h"
+#include "base/FftWindows.h"
+#include "base/Numbers.h"
+#include "base/SystemLog.h"
 #include "ui_WaterfallWindow.h"
+#include "widgets/FilePanels.h"
 #include "widgets/PopUp.h"
+#include "widgets/Preferences.h"
 
 #include <QDateTime>
 #include <QFileInfo>
@@ -72,7 +72,7 @@ WaterfallController::~WaterfallController() {
 void WaterfallController::awakeFromNib() {
     preferences_.restoreFrame(window_, kFrameKey);
     restoreSettings();
-    ui_->mainView->show(*image_);
+    ui_->mainView->setModel(*image_);
     image_->myinit();
     fillProvisionalSizes();
     source_->GetSoundDevices();

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "audio/InputSource.h"
 #include "waterfall/WaterfallAnalysis.h"
 #include "waterfall/WaterfallImage.h"
 #include "waterfall/WaterfallMeasurement.h"
 #include "waterfall/WaterfallParameters.h"
+#include "widgets/InputSource.h"
 
 #include <QObject>
 #include <QWidget>

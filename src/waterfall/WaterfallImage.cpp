@@ -1,7 +1,7 @@
 #include "waterfall/WaterfallImage.h"
 
-#include "platform/Numbers.h"
-#include "platform/SystemLog.h"
+#include "base/Numbers.h"
+#include "base/SystemLog.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,7 +1,8 @@
 #include "waterfall/WaterfallMeasurement.h"
 
-#include "platform/Numbers.h"
-#include "platform/SystemLog.h"
+#include "base/Numbers.h"
+#include "base/SampleRate.h"
+#include "base/SystemLog.h"
 
 #include <array>
 #include <cstdio>
@@ -27,8 +28,7 @@ WaterfallClick WaterfallMeasurement::mouseDown(double x, double y, double height
 std::string WaterfallMeasurement::setMouseHz(float frequency, float deltaX) const {
     const std::int32_t speedup = parameters_.waterfallSpeedup.load(std::memory_order_relaxed);
     const double length = parameters_.waterfallFftLen.load(std::memory_order_relaxed);
-    const auto pixelsPerSecond =
-        static_cast<double>(static_cast<float>(speedup * (kWaterfallSampleRate / length)));
+    const auto pixelsPerSecond = static_cast<double>(static_cast<float>(speedup * (kSampleRate / length)));
     const auto milliseconds =
         static_cast<double>(static_cast<float>(1000.0 * static_cast<double>(deltaX) / pixelsPerSecond));
     std::array<char, 64> text{};

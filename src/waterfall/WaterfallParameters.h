@@ -1,6 +1,6 @@
 #pragma once
 
-#include "spectrum/FftWindows.h"
+#include "base/FftWindows.h"
 
 #include <algorithm>
 #include <atomic>
@@ -8,9 +8,8 @@
 
 namespace sonotrace {
 
-inline constexpr double kWaterfallSampleRate = 44100.0; ///< frames per second, in every formula of the tool
-inline constexpr std::int32_t kSmallestLog2Length = 6;  ///< 64 samples
-inline constexpr std::int32_t kLargestLog2Length = 17;  ///< 131072 samples
+inline constexpr std::int32_t kSmallestLog2Length = 6; ///< 64 samples
+inline constexpr std::int32_t kLargestLog2Length = 17; ///< 131072 samples
 inline constexpr std::int32_t kLargestFrameLength = 1 << kLargestLog2Length;
 
 /// What the controls of the waterfall window say, shared with the capture thread. One value, one atomic: no

@@ -1,6 +1,6 @@
 #include "waterfall/WaterfallTransform.h"
 
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 
 #include <algorithm>
 #include <bit>

@@ -18,7 +18,7 @@ WaterfallView::WaterfallView(QWidget* parent) : QWidget(parent) {
     setFocusPolicy(Qt::ClickFocus);
 }
 
-void WaterfallView::show(WaterfallImage& image) {
+void WaterfallView::setModel(WaterfallImage& image) {
     image_ = &image;
     update();
 }

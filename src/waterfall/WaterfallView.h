@@ -17,8 +17,7 @@ public:
     explicit WaterfallView(QWidget* parent = nullptr);
 
     /// What is shown; outlives the view. Until then the view stays black.
-    void show(WaterfallImage& image);
-    using QWidget::show;
+    void setModel(WaterfallImage& image);
 
     /// The whole picture, 1536 x 1024 with alpha. Empty when Qt has no writer for the format.
     QByteArray ReturnPNG() const;

@@ -1,6 +1,6 @@
 #include "widgets/LevelIndicator.h"
 
-#include "widgets/LevelScale.h"
+#include "widgets/MeterScale.h"
 
 #include <QPainter>
 

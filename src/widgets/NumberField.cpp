@@ -1,6 +1,6 @@
 #include "widgets/NumberField.h"
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
 #include "widgets/NumberText.h"
 
 namespace sonotrace {

@@ -1,6 +1,6 @@
 #include "app/WindowControl.h"
 
-#include "app/SettingsFile.h"
+#include "generator/SettingsFile.h"
 
 #include "support/ToolWindow.h"
 

@@ -1,8 +1,8 @@
 #include "sweep/SweepController.h"
 
 #include "audio/AudioDeviceTable.h"
+#include "audio/OutputStream.h"
 #include "end_to_end/EndToEnd.h"
-#include "generator/OutputStream.h"
 #include "support/ToolWindow.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "spectrum/SpectrumAnalysis.h"
 
-#include "spectrum/FftWindows.h"
+#include "base/FftWindows.h"
 #include "spectrum/SpectrumFft.h"
 #include "spectrum/SpectrumGrid.h"
 #include "spectrum/SpectrumTrace.h"

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "app/Preferences.h"
-#include "app/QtRunLoop.h"
 #include "platform/loopback/LoopbackSystem.h"
 #include "support/DeviceListSystem.h"
 #include "support/Queues.h"
 #include "support/RenderBench.h"
+#include "widgets/Preferences.h"
+#include "widgets/QtRunLoop.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "platform/loopback/LoopbackQueue.h"
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
 #include "platform/loopback/LoopbackWire.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-#include "app/GeneratorPreferences.h"
+#include "generator/GeneratorPreferences.h"
 
-#include "app/Preferences.h"
+#include "widgets/Preferences.h"
 
 #include <algorithm>
 
@@ -36,36 +36,9 @@ GeneratorSettings clamped(GeneratorSettings slot) {
     return slot;
 }
 
-void writeFirstRunDefaults(Preferences& preferences) {
-    preferences.setFloat("sweepStart", 20.0);
-    preferences.setFloat("sweepEnd", 20000.0);
-    preferences.setFloat("sweepRate", 90000.0);
-    preferences.setFloat("sweepAmplitude", 100.0); // nobody reads it
-    preferences.setFloat("spectrumStartFreq", 0.0);
-    preferences.setFloat("spectrumEndFreq", 20000.0);
-    preferences.setInteger("spectrumNumAvg", 1);
-    preferences.setInteger("spectrumFillCheckbox", 0);
-    preferences.setInteger("spectrumLogCheckbox", 0);
-    preferences.setInteger("spectrumGridCheckbox", 1);
-    preferences.setInteger("inputPopup", 0);
-    preferences.setInteger("SPECTRUM_fftSizePopup", 8);
-    preferences.setInteger("SPECTRUM_windowPopup", 1);
-    preferences.setDouble("WATERFALL_soundInputVolume", 700.0);
-    preferences.setFloat("waterfallStartingFreq", 0.0);
-    preferences.setFloat("waterfallEndingFreq", 20000.0);
-    preferences.setFloat("waterfallGain", 10.0);
-    preferences.setInteger("waterfallSpeedup", 10);
-    preferences.setFloat("waterfallReceiverkHz", 0.0);
-    preferences.setInteger("fftSizeLog2", 13);
-    preferences.setInteger("WATERFALL_inputPopup", 0);
-    preferences.setInteger("WATERFALL_fftSizePopup", 7);
-    preferences.setInteger("WATERFALL_windowPopup", 0);
-    preferences.setDouble("soundInputVolume", 700.0);
-}
-
 } // namespace
 
-void loadGeneratorBank(Preferences& preferences, GeneratorBank& bank) {
+bool loadGeneratorBank(const Preferences& preferences, GeneratorBank& bank) {
     bool untouched = true;
     for (int slot = 0; slot < kGeneratorCount; ++slot) {
         const GeneratorSettings stored = readSlot(preferences, slot);
@@ -73,7 +46,7 @@ void loadGeneratorBank(Preferences& preferences, GeneratorBank& bank) {
         bank.slots[static_cast<std::size_t>(slot)].store(clamped(stored));
     }
     if (!untouched)
-        return;
+        return false;
     for (int slot = 0; slot < kGeneratorCount; ++slot) {
         GeneratorSlot& values = bank.slots[static_cast<std::size_t>(slot)];
         GeneratorSettings first = values.load();
@@ -83,8 +56,7 @@ void loadGeneratorBank(Preferences& preferences, GeneratorBank& bank) {
         first.waveform = 0;
         values.store(first);
     }
-    writeFirstRunDefaults(preferences);
-    preferences.synchronise();
+    return true;
 }
 
 void saveGeneratorSlot(Preferences& preferences, int slot, const GeneratorSettings& settings) {

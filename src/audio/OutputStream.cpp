@@ -1,6 +1,6 @@
-#include "generator/OutputStream.h"
+#include "audio/OutputStream.h"
 
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
-#include "audio/InputSource.h"
+#include "widgets/InputSource.h"
 
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 #include "widgets/PopUp.h"
 #include "widgets/RealSlider.h"
 #include "widgets/StreamText.h"

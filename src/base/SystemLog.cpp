@@ -1,4 +1,4 @@
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 
 #include <cstdarg>
 #include <cstdio>

@@ -1,6 +1,6 @@
-#include "spectrum/FftWindows.h"
+#include "base/FftWindows.h"
 
-#include "platform/SystemLog.h"
+#include "base/SystemLog.h"
 
 #include <algorithm>
 #include <cmath>

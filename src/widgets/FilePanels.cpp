@@ -1,4 +1,4 @@
-#include "app/FilePanels.h"
+#include "widgets/FilePanels.h"
 
 #include <QFileDialog>
 

@@ -1,4 +1,4 @@
-#include "app/SettingsFile.h"
+#include "generator/SettingsFile.h"
 
 #include <algorithm>
 #include <bit>

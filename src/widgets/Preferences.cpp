@@ -1,6 +1,6 @@
-#include "app/Preferences.h"
+#include "widgets/Preferences.h"
 
-#include "platform/Numbers.h"
+#include "base/Numbers.h"
 #include "widgets/NumberText.h"
 
 #include <QGuiApplication>
