@@ -33,11 +33,6 @@ public:
         return std::clamp(truncateToInt32(level(magnitude) * 2.55), 0, 255);
     }
 
-    /// Magnitude at which a step begins, to about twelve digits, for a floor below the ceiling.
-    double magnitudeOfStep(std::int32_t step) const {
-        return std::exp((step * range_ / 255.0 + floor_) / 6.25);
-    }
-
 private:
     double floor_;
     double range_; ///< the difference of the two limits as a single-precision number

@@ -2,6 +2,7 @@
 
 #include "base/Numbers.h"
 #include "base/SystemLog.h"
+#include "waterfall/LevelScale.h"
 
 #include <algorithm>
 #include <bit>
@@ -65,7 +66,8 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
                     .height = bounds.height,
                     .len = len,
                     .bins = magnitudes.size()});
-    steps_.setLimits(parameters_.waterfallMinDB.load(kRelaxed), parameters_.waterfallMaxDB.load(kRelaxed));
+    const LevelScale scale(parameters_.waterfallMinDB.load(kRelaxed),
+                           parameters_.waterfallMaxDB.load(kRelaxed));
     const auto& pixels =
         parameters_.colorWaterfallPlot.load(kRelaxed) != 0 ? colors_.colors() : colors_.greys();
     const std::int32_t column = truncateToInt32(static_cast<double>(bounds.width) - offset);
@@ -73,19 +75,25 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
     const bool paints = column >= 0 && column < ScrollingBitmap::kWidth;
 
     AudibleRange audible;
+    double previous = std::numeric_limits<double>::quiet_NaN();
+    std::uint32_t pixel = 0;
     for (std::size_t y = 0; y < bins_.rows(); ++y) {
         const double value = bins_.value(magnitudes, y);
         const std::int32_t row = ScrollingBitmap::kHeight - 1 - static_cast<std::int32_t>(y);
         if (scrolls)
             offscreen_.scrollRow(row, scroll);
+        if (value != previous) { // with few bins many rows share one, and a logarithm is what costs
+            previous = value;
+            pixel = pixels[static_cast<std::size_t>(scale.step(value))];
+        }
         if (paints)
-            offscreen_.setPixel(row, column, pixels[static_cast<std::size_t>(steps_.step(value))]);
+            offscreen_.setPixel(row, column, pixel);
         statistics.addMagnitude(value);
         audible.add(LevelScale::audible(value));
     }
     // The level follows the magnitude upward, or downward with crossed limits: its extremes are at the ends.
-    statistics.addLevel(steps_.scale().level(audible.smallest));
-    statistics.addLevel(steps_.scale().level(audible.largest));
+    statistics.addLevel(scale.level(audible.smallest));
+    statistics.addLevel(scale.level(audible.largest));
     lineLog_.add(statistics);
 }
 

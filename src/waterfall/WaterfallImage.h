@@ -1,7 +1,6 @@
 #pragma once
 
 #include "waterfall/ColorMap.h"
-#include "waterfall/LevelSteps.h"
 #include "waterfall/LineStatistics.h"
 #include "waterfall/RowBins.h"
 #include "waterfall/ScrollingBitmap.h"
@@ -61,8 +60,7 @@ public:
 private:
     const WaterfallParameters& parameters_;
     ColorMap colors_;
-    RowBins bins_;     ///< capture thread
-    LevelSteps steps_; ///< capture thread
+    RowBins bins_; ///< capture thread
     ScrollingBitmap offscreen_;
     LineStatisticsLog lineLog_;
     std::atomic<std::uint64_t> bounds_{0}; ///< both sizes' bits in one value, so that they change together
