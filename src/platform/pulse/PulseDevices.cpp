@@ -1,13 +1,32 @@
 #include "platform/pulse/PulseDevices.h"
 
 #include <algorithm>
+#include <type_traits>
 #include <utility>
 
 namespace sonotrace {
 
 namespace {
+
 constexpr std::chrono::milliseconds kListPatience{1000};
+
+std::string text(const char* value) {
+    return value ? value : "";
 }
+
+/// Sources and sinks are described by records of two types with the same names.
+template <typename Info>
+PulseDevice describe(const Info& info, bool isMonitor) {
+    return {.id = 0,
+            .name = info.name,
+            .description = text(info.description ? info.description : info.name),
+            .channels = info.sample_spec.channels,
+            .isSource = std::is_same_v<Info, pa_source_info>,
+            .isMonitor = isMonitor,
+            .volume = info.volume};
+}
+
+} // namespace
 
 struct PulseDevices::List {
     std::string serverName;
@@ -64,56 +83,40 @@ void PulseDevices::askAgain() {
         const std::lock_guard lock(mutex_);
         list_->volumeChanges = volumeChanges_;
     }
-    forget(pa_context_get_server_info(
-        context,
-        [](pa_context*, const pa_server_info* info, void* data) {
-            auto& self = *static_cast<PulseDevices*>(data);
-            if (!self.list_)
-                return;
-            self.list_->complete = info != nullptr;
-            if (!info)
-                return;
-            const auto text = [](const char* value) { return std::string(value ? value : ""); };
-            self.list_->serverName = text(info->server_name);
-            self.list_->defaultSink = text(info->default_sink_name);
-            self.list_->defaultSource = text(info->default_source_name);
-        },
-        this));
-    forget(pa_context_get_source_info_list(
-        context,
-        [](pa_context*, const pa_source_info* info, int end, void* data) {
-            auto& self = *static_cast<PulseDevices*>(data);
-            if (end < 0 && self.list_)
-                self.list_->complete = false;
-            else if (end == 0 && info)
-                self.add({.id = 0,
-                          .name = info->name,
-                          .description = info->description ? info->description : info->name,
-                          .channels = info->sample_spec.channels,
-                          .isSource = true,
-                          .isMonitor = info->monitor_of_sink != PA_INVALID_INDEX,
-                          .volume = info->volume});
-        },
-        this));
     // Answers come in the order of the questions: when the sinks have ended everything is there.
-    forget(pa_context_get_sink_info_list(
-        context,
-        [](pa_context*, const pa_sink_info* info, int end, void* data) {
-            auto& self = *static_cast<PulseDevices*>(data);
-            if (end < 0 && self.list_)
-                self.list_->complete = false;
-            if (end != 0)
-                self.finish();
-            else if (info)
-                self.add({.id = 0,
-                          .name = info->name,
-                          .description = info->description ? info->description : info->name,
-                          .channels = info->sample_spec.channels,
-                          .isSource = false,
-                          .isMonitor = false,
-                          .volume = info->volume});
-        },
-        this));
+    forget(pa_context_get_server_info(context, onServer, this));
+    forget(pa_context_get_source_info_list(context, onSource, this));
+    forget(pa_context_get_sink_info_list(context, onSink, this));
+}
+
+void PulseDevices::onServer(pa_context*, const pa_server_info* info, void* data) {
+    const auto& list = static_cast<PulseDevices*>(data)->list_;
+    if (!list)
+        return;
+    list->complete = info != nullptr;
+    if (!info)
+        return;
+    list->serverName = text(info->server_name);
+    list->defaultSink = text(info->default_sink_name);
+    list->defaultSource = text(info->default_source_name);
+}
+
+void PulseDevices::onSource(pa_context*, const pa_source_info* info, int end, void* data) {
+    auto& self = *static_cast<PulseDevices*>(data);
+    if (end < 0 && self.list_)
+        self.list_->complete = false;
+    else if (end == 0 && info)
+        self.add(describe(*info, info->monitor_of_sink != PA_INVALID_INDEX));
+}
+
+void PulseDevices::onSink(pa_context*, const pa_sink_info* info, int end, void* data) {
+    auto& self = *static_cast<PulseDevices*>(data);
+    if (end < 0 && self.list_)
+        self.list_->complete = false;
+    if (end != 0)
+        self.finish();
+    else if (info)
+        self.add(describe(*info, false));
 }
 
 void PulseDevices::add(PulseDevice device) {

@@ -54,6 +54,9 @@ private:
 
     void ask(pa_context& context);
     void askAgain();
+    static void onServer(pa_context*, const pa_server_info* info, void* data);
+    static void onSource(pa_context*, const pa_source_info* info, int end, void* data);
+    static void onSink(pa_context*, const pa_sink_info* info, int end, void* data);
     void add(PulseDevice device);
     void finish();
     AudioDeviceID idOf(const PulseDevice& device);
