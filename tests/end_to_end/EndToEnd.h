@@ -13,11 +13,6 @@
 
 namespace sonotrace {
 
-/// A private server and the sound system on it.
-struct ServedSystem : PrivateServer, PulseSoundSystem {
-    ServedSystem() { EXPECT_TRUE(connected(std::chrono::seconds(10))); }
-};
-
 /// A test that runs on a private server of each kind.
 class OnEachServer : public testing::TestWithParam<PrivateServer::Kind> {
 protected:
@@ -56,10 +51,15 @@ public:
                process_.exitCode() == 0;
     }
 
-    QByteArray output() { return process_.readAll(); }
+    /// What it has written so far.
+    QByteArray output() {
+        process_.waitForReadyRead(1);
+        return output_ += process_.readAll();
+    }
 
 private:
     QProcess process_;
+    QByteArray output_;
 };
 
 /// What a device's listeners hear, recorded by the sound server's own tool.
