@@ -85,27 +85,6 @@ TEST(WaterfallImage, IsAfterAnyLinesTheOneWhoseRowsWereMoved) {
             ASSERT_EQ(corner[y * 100 + x], x < 77 ? plain.pixels[(1024 - 37 + y) * 1536 + x] : 0x12345678U);
 }
 
-TEST(WaterfallImage, CopiesOnlyRowsAndColumnsThatExist) {
-    Waterfall waterfall;
-    waterfall.image.setBounds(1536.0, 1024.0);
-    waterfall.image.drawFFTLine(std::vector<double>(64, 1e9), 64, 1536, 0); // the leftmost column
-    struct Case {
-        std::int32_t firstRow, rows, columns;
-        std::size_t begin, end; ///< lines of the target that are written
-    };
-    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
-    for (const Case& c : {Case{-3, 8, 2, 3, 8}, Case{1020, kMost, kMost, 0, 4}, Case{1024, 5, 5, 0, 0},
-                          Case{kMost, kMost, 5, 0, 0}, Case{-kMost, 5, 5, 0, 0}, Case{0, -1, 5, 0, 0},
-                          Case{0, 5, -1, 0, 0}}) {
-        std::vector<std::uint32_t> target(std::size_t{8} * 1536, 7U);
-        waterfall.image.copyRows(c.firstRow, c.rows, c.columns,
-                                 reinterpret_cast<std::uint8_t*>(target.data()), 6144);
-        for (std::size_t line = 0; line < 8; ++line)
-            EXPECT_EQ(target[line * 1536] != 7U, line >= c.begin && line < c.end)
-                << c.firstRow << " " << line;
-    }
-}
-
 TEST(WaterfallImage, LogsTheExtremesOfEachLineAndOfLinesThatFoundNoView) {
     Waterfall waterfall;
     waterfall.setLimits(25.0F, 75.0F);
