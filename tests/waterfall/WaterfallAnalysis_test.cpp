@@ -96,6 +96,23 @@ TEST(WaterfallAnalysis, DrawsTheLinesOfTheModel) {
     expectLines("a longer length, which alone has room for the speed-up", {64, 10, 100, 0, 22050}, 1100, {});
 }
 
+TEST(WaterfallAnalysis, TakesUpANewDataWindowWithTheNextLine) {
+    Waterfall changed;
+    Waterfall steady;
+    steady.parameters.waterfallWindowType = 6;
+    for (Waterfall* waterfall : {&changed, &steady}) {
+        waterfall->setFrames(1024, 10, 1);
+        showEveryBin(*waterfall);
+        waterfall->analysis.capture(scatteredFrames(1025));
+        waterfall->parameters.waterfallWindowType = 6;
+        waterfall->analysis.capture(scatteredFrames(1024));
+    }
+    const auto lines = changed.loggedLines();
+    const auto expected = steady.loggedLines();
+    EXPECT_NE(lines[0].maxSum, expected[0].maxSum);
+    EXPECT_EQ(lines[1].maxSum, expected[1].maxSum);
+}
+
 TEST(WaterfallAnalysis, FillsTheColumnsThatAPassScrollsInFromLeftToRight) {
     Waterfall waterfall;
     waterfall.setFrames(1024.0, 10, 3);

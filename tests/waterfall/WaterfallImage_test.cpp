@@ -66,7 +66,9 @@ TEST(WaterfallImage, IsAfterAnyLinesTheOneWhoseRowsWereMoved) {
                   .endFreq = pick(9000, 22050) / 1.0,
                   .len = 64 << pick(0, 7),
                   .offset = pick(-20, 40),
-                  .scroll = pick(0, 3) > 0 ? pick(-1, 3) : pick(-2000, 2000)};
+                  .scroll = pick(0, 3) > 0   ? pick(-1, 3)
+                            : pick(0, 3) > 0 ? pick(-2000, 2000)
+                                             : 1536};
         waterfall.parameters.waterfallStartFreq = line.startFreq;
         waterfall.parameters.waterfallEndFreq = line.endFreq;
         waterfall.image.setBounds(line.width, line.height);
@@ -178,8 +180,8 @@ TEST(LevelScale, PutsMagnitudesOnStepsBetweenFloorAndCeiling) {
     for (const Case& c :
          {Case{25, 75, 54.0, 0}, Case{25, 75, 1000.0, 92}, Case{25, 75, 10000.0, 166},
           Case{25, 75, 157700.0, 253}, Case{25, 75, 162755.0, 254}, Case{25, 75, kInfinity, 254},
-          Case{25, 75, kNan, 0}, Case{-50, 50, -7.0, 127},   // silence in mid-scale
-          Case{75, 25, 1.0, 254}, Case{75, 25, 10000.0, 88}, // crossed: loud is dark
+          Case{25, 75, kNan, 0}, Case{-50, 50, -7.0, 127}, Case{-50, 50, 0.5, 127}, // silence in mid-scale
+          Case{75, 25, 1.0, 254}, Case{75, 25, 10000.0, 88},                        // crossed: loud is dark
           Case{50, 50, 1.0, 0}, Case{50, 50, 10000.0, 254}, Case{0, 0, 1.0, 0}}) {
         EXPECT_EQ(LevelScale(c.minDB, c.maxDB).step(c.magnitude), c.step)
             << c.minDB << ".." << c.maxDB << " " << c.magnitude;
@@ -195,8 +197,8 @@ TEST(ColorMap, RunsFromBlackOverBlueCyanGreenYellowAndRedToPurple) {
     for (const Entry& entry :
          {Entry{0, 0xFF000000}, Entry{42, 0xFFF90000}, Entry{43, 0xFFFF0000}, Entry{44, 0xFFFF0500},
           Entry{86, 0xFFFFFF00}, Entry{87, 0xFFFFFF00}, Entry{88, 0xFFF8FF00}, Entry{119, 0xFF00FF00},
-          Entry{121, 0xFF00FF07}, Entry{153, 0xFF00FFFF}, Entry{155, 0xFF00FBFF}, Entry{216, 0xFF0000FF},
-          Entry{218, 0xFF0300FF}, Entry{255, 0xFF8000FF}})
+          Entry{121, 0xFF00FF07}, Entry{153, 0xFF00FFFF}, Entry{154, 0xFF00FFFF}, Entry{155, 0xFF00FBFF},
+          Entry{216, 0xFF0000FF}, Entry{218, 0xFF0300FF}, Entry{255, 0xFF8000FF}})
         EXPECT_EQ(map.colors()[entry.step], entry.word) << entry.step;
     EXPECT_EQ(map.greys()[200], 0xFFC8C8C8);
 
