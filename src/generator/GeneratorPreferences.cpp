@@ -9,7 +9,7 @@ namespace sonotrace {
 namespace {
 
 QString slotKey(const char* name, int slot) {
-    return QLatin1String(name) + QString::number(slot);
+    return name + QString::number(slot);
 }
 
 GeneratorSettings readSlot(const Preferences& preferences, int slot) {

@@ -88,8 +88,8 @@ void ScopeController::restoreControls() {
 
 /// Says beside each slider what its position means.
 void ScopeController::showValues() {
-    const auto gain = [this](std::int32_t ch) { return tr("× %1").arg(getRange(ch), 0, 'f', 1); };
-    const auto offset = [this](std::int32_t ch) { return tr("%1 px").arg(getOffset(ch), 0, 'f', 0); };
+    const auto gain = [this](std::int32_t ch) { return QString("× %1").arg(getRange(ch), 0, 'f', 1); };
+    const auto offset = [this](std::int32_t ch) { return QString("%1 px").arg(getOffset(ch), 0, 'f', 0); };
     const auto level = [this](std::int32_t ch) { return QString::number(getTrigger(ch), 'f', 0); };
     ui_->rangeValue1->setText(gain(0));
     ui_->rangeValue2->setText(gain(1));
@@ -100,7 +100,7 @@ void ScopeController::showValues() {
     const std::int32_t samples = displayBuflength(getSweep());
     const double milliseconds = samples * 1000.0 / StreamDescription().sampleRate;
     ui_->sweepValue->setText(
-        tr("%1 samples, %2 ms").arg(samples).arg(milliseconds, 0, 'f', milliseconds < 10 ? 2 : 1));
+        QString("%1 samples, %2 ms").arg(samples).arg(milliseconds, 0, 'f', milliseconds < 10 ? 2 : 1));
 }
 
 double ScopeController::getRange(std::int32_t ch) const {

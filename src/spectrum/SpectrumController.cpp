@@ -98,7 +98,7 @@ void SpectrumController::fillMenus() {
 
     ui_->windowPopup->clear();
     for (const char* title : kFftWindowTitles)
-        ui_->windowPopup->addItem(QString::fromLatin1(title));
+        ui_->windowPopup->addItem(title);
     const std::int32_t window = preferences_.integerValue("SPECTRUM_windowPopup");
     selectItem(*ui_->windowPopup, window);
     analysis_.setWindowType(window);

@@ -19,7 +19,7 @@ void store(std::atomic<std::int32_t>& parameter, const QCheckBox& box) {
 
 /// The rate's unit in a logarithmic sweep: so much of itself the frequency grows a second.
 QString logRateUnit() {
-    return QObject::tr("× 0.046417 %/s");
+    return "× 0.046417 %/s";
 }
 
 } // namespace
@@ -100,14 +100,14 @@ void SweepController::connectControls() {
 
 /// Keeps the per cent beside a slider, at a width that does not change with the digits.
 void SweepController::follow(const RealSlider& slider, QLabel& readout) {
-    readout.setMinimumWidth(readout.fontMetrics().horizontalAdvance(tr("100.0 %")));
+    readout.setMinimumWidth(readout.fontMetrics().horizontalAdvance("100.0 %"));
     connect(&slider, &RealSlider::doubleValueChanged, &readout,
-            [&readout](double value) { readout.setText(tr("%1 %").arg(value * 100.0, 0, 'f', 1)); });
+            [&readout](double value) { readout.setText(QString("%1 %").arg(value * 100.0, 0, 'f', 1)); });
 }
 
 void SweepController::showState() {
     ui_->sweepState->setText(describeSweep(parameters_));
-    ui_->rateUnit->setText(ui_->logSweep->isChecked() ? logRateUnit() : tr("Hz/s"));
+    ui_->rateUnit->setText(ui_->logSweep->isChecked() ? logRateUnit() : "Hz/s");
 }
 
 void SweepController::showWindow() {

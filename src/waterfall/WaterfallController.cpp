@@ -132,7 +132,7 @@ void WaterfallController::fillMenus() {
 
     ui_->windowPopup->clear();
     for (const char* title : kFftWindowTitles)
-        ui_->windowPopup->addItem(QString::fromLatin1(title));
+        ui_->windowPopup->addItem(title);
     selectItem(*ui_->windowPopup, preferences_.integerValue("WATERFALL_windowPopup"));
     parameters_.waterfallWindowType.store(ui_->windowPopup->currentIndex(), kRelaxed);
 }
@@ -270,8 +270,8 @@ void WaterfallController::doUploadButton() {
 }
 
 void WaterfallController::menuSaveWaterfallPicture() {
-    const auto path = askForFileToSave(&window_, tr("Choose file to save the picture to"),
-                                       tr("PNG pictures (*.png)"), "png");
+    const auto path =
+        askForFileToSave(&window_, "Choose file to save the picture to", "PNG pictures (*.png)", "png");
     if (!path)
         return;
     QSaveFile file(*path);
@@ -279,8 +279,8 @@ void WaterfallController::menuSaveWaterfallPicture() {
     const bool written =
         file.open(QIODevice::WriteOnly) && file.write(picture) == picture.size() && file.commit();
     const QString name = QFileInfo(*path).fileName();
-    source_->showNotice(written ? tr("Picture saved to %1").arg(name)
-                                : tr("%1 cannot be written: %2").arg(name, file.errorString()));
+    source_->showNotice(written ? QString("Picture saved to %1").arg(name)
+                                : QString("%1 cannot be written: %2").arg(name, file.errorString()));
 }
 
 void WaterfallController::applicationWillTerminate() {

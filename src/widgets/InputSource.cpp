@@ -83,8 +83,7 @@ void InputSource::showState() {
     if (notice_.isValid() && !notice_.hasExpired(kNoticeTime))
         return;
     notice_.invalidate();
-    say(controls_.inputPopup->count() == 0 ? tr("There is no input device")
-                                           : describeStream(stream_.state()));
+    say(controls_.inputPopup->count() == 0 ? "There is no input device" : describeStream(stream_.state()));
 }
 
 void InputSource::showNotice(const QString& text) {
