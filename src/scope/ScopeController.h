@@ -3,6 +3,7 @@
 #include "scope/ScopeCapture.h"
 #include "scope/ScopeControls.h"
 #include "widgets/InputSource.h"
+#include "widgets/StoredControls.h"
 
 #include <QObject>
 #include <QTimer>
@@ -15,9 +16,6 @@ class ScopeWindow;
 }
 
 namespace sonotrace {
-
-class Preferences;
-class RealSlider;
 
 /// The oscilloscope's window: restores and stores its controls, which the capture and the view read when they
 /// need them, and runs the input stream from the moment it is made until the program ends. Window thread.
@@ -46,12 +44,12 @@ public:
     double getSweep() const override;
 
 private:
-    void restoreControls();
+    void listStoredControls();
     void showValues();
 
-    Preferences& preferences_;
     QWidget window_;
     const std::unique_ptr<Ui::ScopeWindow> ui_;
+    StoredControls stored_;
     ScopeCapture capture_;
     std::unique_ptr<InputSource> source_;
     QTimer stateTimer_;

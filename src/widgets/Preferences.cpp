@@ -49,10 +49,6 @@ std::int32_t Preferences::integerValue(const QString& key) const {
     return truncateToInt32(doubleValue(key));
 }
 
-bool Preferences::booleanValue(const QString& key) const {
-    return integerValue(key) != 0;
-}
-
 void Preferences::setFloat(const QString& key, double value) {
     // What no float can hold comes back as the largest one: the text of an infinity would be read as 0.
     constexpr double kMost = std::numeric_limits<float>::max();
