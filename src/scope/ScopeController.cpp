@@ -26,7 +26,7 @@ auto storedOr(float fallback) {
 ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferences& preferences)
     : ui_(std::make_unique<Ui::ScopeWindow>()),
       stored_(preferences, window_, "SCOPE_WINDOW_FRAME"),
-      capture_(*this, [this] { ui_->mainView->update(); }) {
+      capture_(controls_, [this] { ui_->mainView->update(); }) {
     systemLog("- (void)init");
     ui_->setupUi(&window_);
     window_.setAttribute(Qt::WA_QuitOnClose, false);
@@ -52,13 +52,16 @@ ScopeController::~ScopeController() {
 }
 
 void ScopeController::awakeFromNib() {
-    ui_->mainView->setModel(*this, capture_);
+    ui_->mainView->setModel(controls_, capture_);
     source_->GetSoundDevices();
     source_->SetSoundDevices();
     for (const RealSlider* slider :
          {ui_->rangeSlider1, ui_->rangeSlider2, ui_->offsetSlider1, ui_->offsetSlider2, ui_->triggerSlider1,
           ui_->triggerSlider2, ui_->sweepSlider})
-        connect(slider, &RealSlider::doubleValueChanged, this, &ScopeController::showValues);
+        connect(slider, &RealSlider::doubleValueChanged, this, &ScopeController::takeControls);
+    for (const QCheckBox* box :
+         {ui_->polarity1Button, ui_->polarity2Button, ui_->invert1Button, ui_->invert2Button})
+        connect(box, &QCheckBox::toggled, this, &ScopeController::takeControls);
     listStoredControls();
     stored_.restore();
     source_->startSound();
@@ -82,18 +85,31 @@ void ScopeController::listStoredControls() {
     stored_.addVolume("SCOPE_soundInputVolume", *ui_->soundInputVolume2);
 }
 
+void ScopeController::takeControls() {
+    for (const std::int32_t ch : {0, 1}) {
+        const auto i = static_cast<std::size_t>(ch);
+        controls_.range[i] = getRange(ch);
+        controls_.offset[i] = getOffset(ch);
+        controls_.trigger[i] = getTrigger(ch);
+        controls_.triggerPolarity[i] = getTriggerPolarity(ch);
+        controls_.invert[i] = getInvert(ch);
+    }
+    controls_.sweep = getSweep();
+    showValues();
+}
+
 /// Says beside each slider what its position means.
 void ScopeController::showValues() {
-    const auto gain = [this](std::int32_t ch) { return QString("× %1").arg(getRange(ch), 0, 'f', 1); };
-    const auto offset = [this](std::int32_t ch) { return QString("%1 px").arg(getOffset(ch), 0, 'f', 0); };
-    const auto level = [this](std::int32_t ch) { return QString::number(getTrigger(ch), 'f', 0); };
-    ui_->rangeValue1->setText(gain(0));
-    ui_->rangeValue2->setText(gain(1));
-    ui_->offsetValue1->setText(offset(0));
-    ui_->offsetValue2->setText(offset(1));
-    ui_->triggerValue1->setText(level(0));
-    ui_->triggerValue2->setText(level(1));
-    const std::int32_t samples = displayBuflength(getSweep());
+    const auto gain = [](double range) { return QString("× %1").arg(range, 0, 'f', 1); };
+    const auto points = [](double offset) { return QString("%1 px").arg(offset, 0, 'f', 0); };
+    const auto level = [](double trigger) { return QString::number(trigger, 'f', 0); };
+    ui_->rangeValue1->setText(gain(controls_.range[0]));
+    ui_->rangeValue2->setText(gain(controls_.range[1]));
+    ui_->offsetValue1->setText(points(controls_.offset[0]));
+    ui_->offsetValue2->setText(points(controls_.offset[1]));
+    ui_->triggerValue1->setText(level(controls_.trigger[0]));
+    ui_->triggerValue2->setText(level(controls_.trigger[1]));
+    const std::int32_t samples = displayBuflength(controls_.sweep);
     const double milliseconds = samples * 1000.0 / StreamDescription().sampleRate;
     ui_->sweepValue->setText(
         QString("%1 samples, %2 ms").arg(samples).arg(milliseconds, 0, 'f', milliseconds < 10 ? 2 : 1));

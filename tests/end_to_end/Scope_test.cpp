@@ -24,7 +24,7 @@ protected:
     /// Sample values of a channel's trace as drawn now.
     std::vector<double> trace(std::int32_t channel) {
         constexpr double kHeight = 4 * 35000; // a point a sample unit
-        trace_.build(*controller_, controller_->capture(), 100, kHeight);
+        trace_.build(controller_->controls(), controller_->capture(), 100, kHeight);
         std::vector<double> values;
         for (const PlotPoint& point : trace_.line(channel).subspan(1))
             values.push_back(std::round(point.y - (channel == 0 ? 0.75 : 0.25) * kHeight));
