@@ -9,7 +9,6 @@ namespace sonotrace {
 namespace {
 
 const QSize kDefaultSize(960, 640);
-constexpr int kStateInterval = 500; // ms
 
 // What the sliders are set to when nothing is stored: far outside their ranges, so that they stand at their
 // ends.
@@ -65,8 +64,6 @@ void ScopeController::awakeFromNib() {
     listStoredControls();
     stored_.restore();
     source_->startSound();
-    connect(&stateTimer_, &QTimer::timeout, source_.get(), &InputSource::showState);
-    stateTimer_.start(kStateInterval);
 }
 
 void ScopeController::listStoredControls() {

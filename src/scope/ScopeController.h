@@ -6,7 +6,6 @@
 #include "widgets/StoredControls.h"
 
 #include <QObject>
-#include <QTimer>
 #include <QWidget>
 
 #include <memory>
@@ -56,7 +55,6 @@ private:
     ScopeControls controls_;
     ScopeCapture capture_;
     std::unique_ptr<InputSource> source_;
-    QTimer stateTimer_;
 };
 
 } // namespace sonotrace

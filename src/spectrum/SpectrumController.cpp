@@ -13,7 +13,6 @@ namespace {
 
 constexpr int kMeterInterval = 50; // ms
 const QSize kDefaultSize(960, 620);
-constexpr int kTicksPerState = 10; // the line below the plot needs no faster look
 constexpr float kFullBrightness = 1000.0F;
 
 /// The log lines of the frequencies show part of the number's bits, the low half of the double, not the
@@ -154,8 +153,6 @@ void SpectrumController::doInputGain() {
 void SpectrumController::updateBargraph() {
     ui_->volumeLevel->setDoubleValue(static_cast<double>(source_->peakLevel()));
     display_.gridBrightness = static_cast<float>(ui_->gridSlider->doubleValue() * 0.001);
-    if (++ticks_ % kTicksPerState == 0)
-        source_->showState();
 }
 
 void SpectrumController::applicationWillTerminate() {

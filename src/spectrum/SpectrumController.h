@@ -60,7 +60,6 @@ private:
     SpectrumAnalysis analysis_;
     std::unique_ptr<InputSource> source_;
     QTimer bargraphTimer_;
-    int ticks_ = 0;
 };
 
 } // namespace sonotrace

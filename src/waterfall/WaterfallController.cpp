@@ -24,7 +24,6 @@ constexpr auto kMaxDbKey = "WATERFALL_maxDB";
 constexpr auto kMinDbKey = "WATERFALL_minDB";
 const QSize kDefaultSize(960, 700);
 constexpr int kMeterInterval = 50; // ms
-constexpr int kTicksPerState = 10;
 constexpr int kLeastStoredLog2 = 7;
 constexpr int kMenuSizes = 12;
 
@@ -201,8 +200,6 @@ void WaterfallController::updateBargraph() {
     image_->writeLineLog();
     if (redrawAsked_.exchange(0, kRelaxed) != 0)
         ui_->mainView->update();
-    if (++ticks_ % kTicksPerState == 0)
-        source_->showState();
 }
 
 void WaterfallController::doFFTSize() {

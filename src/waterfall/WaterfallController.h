@@ -78,7 +78,6 @@ private:
     WaterfallMeasurement measurement_;
     std::atomic<std::int32_t> redrawAsked_{0}; ///< by the capture thread, and not yet heard
     std::unique_ptr<InputSource> source_;
-    int ticks_ = 0;
 };
 
 } // namespace sonotrace
