@@ -7,7 +7,7 @@
 #include "base/SystemLog.h"
 #include "generator/GeneratorPanel.h"
 #include "generator/GeneratorPreferences.h"
-#include "generator/SettingsFile.h"
+#include "generator/SettingsDocument.h"
 #include "scope/ScopeController.h"
 #include "spectrum/SpectrumController.h"
 #include "sweep/SweepController.h"
@@ -19,11 +19,9 @@
 #include <QAction>
 #include <QCoreApplication>
 #include <QDesktopServices>
-#include <QFile>
 #include <QFileInfo>
 #include <QMainWindow>
 #include <QMenuBar>
-#include <QSaveFile>
 #include <QUrl>
 
 namespace sonotrace {
@@ -183,22 +181,7 @@ void WindowControl::showRecordingState() {
 
 void WindowControl::menuSaveSettings() {
     if (const auto path = askForFileToSave(window_.get(), "Settings file to save"))
-        writeSettings(*path);
-}
-
-void WindowControl::writeSettings(const QString& path) {
-    SettingsOfAll all{};
-    for (int slot = 0; slot < kGeneratorCount; ++slot)
-        all[static_cast<std::size_t>(slot)] = panel_->slotSettings(slot);
-    const auto block = encodeSettingsFile(all);
-    QSaveFile file(path);
-    const bool written = file.open(QIODevice::WriteOnly) &&
-                         file.write(reinterpret_cast<const char*>(block.data()), block.size()) ==
-                             static_cast<qint64>(block.size()) &&
-                         file.commit();
-    const QString name = QFileInfo(path).fileName();
-    status_->showNotice(written ? QString("Settings saved to %1").arg(name)
-                                : QString("%1 cannot be written: %2").arg(name, file.errorString()));
+        status_->showNotice(saveSettingsDocument(*panel_, *path));
 }
 
 void WindowControl::menuOpenSettings() {
@@ -208,24 +191,7 @@ void WindowControl::menuOpenSettings() {
 }
 
 void WindowControl::openSettings(const QString& path) {
-    systemLog("%s", qUtf8Printable(path));
-    QFile file(path);
-    const bool opened = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
-    const QByteArray block = opened ? file.read(static_cast<qint64>(kSettingsFileBytes)) : QByteArray();
-    systemLog("%d", static_cast<int>(opened ? file.size() : 0));
-    const auto all =
-        decodeSettingsFile(std::as_bytes(std::span(block.data(), static_cast<std::size_t>(block.size()))));
-    for (int slot = 0; slot < kGeneratorCount; ++slot)
-        panel_->setSlot(slot, all[static_cast<std::size_t>(slot)]);
-    const QString name = QFileInfo(path).fileName();
-    if (!opened)
-        status_->showNotice(QString("%1 cannot be read: %2")
-                                .arg(name, QFileInfo(path).isFile() ? file.errorString() : "no such file"));
-    else if (block.size() < static_cast<qint64>(kSettingsFileBytes))
-        status_->showNotice(
-            QString("%1 is too short for a settings file: the rest counts as zero").arg(name));
-    else
-        status_->showNotice(QString("Settings opened from %1").arg(name));
+    status_->showNotice(openSettingsDocument(*panel_, path));
 }
 
 void WindowControl::doRecordingFileMenu() {

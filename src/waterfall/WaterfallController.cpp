@@ -8,8 +8,6 @@
 #include "widgets/Preferences.h"
 
 #include <QDateTime>
-#include <QFileInfo>
-#include <QSaveFile>
 #include <QTimer>
 
 #include <algorithm>
@@ -263,17 +261,9 @@ void WaterfallController::doUploadButton() {
 }
 
 void WaterfallController::menuSaveWaterfallPicture() {
-    const auto path =
-        askForFileToSave(&window_, "Choose file to save the picture to", "PNG pictures (*.png)", "png");
-    if (!path)
-        return;
-    QSaveFile file(*path);
-    const QByteArray picture = ui_->mainView->ReturnPNG();
-    const bool written =
-        file.open(QIODevice::WriteOnly) && file.write(picture) == picture.size() && file.commit();
-    const QString name = QFileInfo(*path).fileName();
-    source_->showNotice(written ? QString("Picture saved to %1").arg(name)
-                                : QString("%1 cannot be written: %2").arg(name, file.errorString()));
+    if (const auto path =
+            askForFileToSave(&window_, "Choose file to save the picture to", "PNG pictures (*.png)", "png"))
+        source_->showNotice(writeFile(*path, ui_->mainView->ReturnPNG(), "Picture saved to %1"));
 }
 
 void WaterfallController::applicationWillTerminate() {
