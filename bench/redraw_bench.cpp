@@ -47,17 +47,8 @@ void redrawSpectrum(benchmark::State& state) {
 BENCHMARK(redrawSpectrum)->DenseRange(0, 1)->Unit(benchmark::kMillisecond);
 
 /// The longest traces, with triggers that noise sets off.
-struct LongestTraces : ScopeControls {
-    double getRange(std::int32_t) const override { return 1.0; }
-    double getOffset(std::int32_t) const override { return 0.0; }
-    double getTrigger(std::int32_t) const override { return 0.0; }
-    bool getTriggerPolarity(std::int32_t) const override { return false; }
-    bool getInvert(std::int32_t) const override { return true; }
-    double getSweep() const override { return 10000.0; }
-};
-
 void redrawScope(benchmark::State& state) {
-    const LongestTraces controls;
+    const ScopeControls controls{.invert = {true, true}, .sweep = 10000.0};
     ScopeCapture capture(controls, [] {});
     capture.capture(noise(11025));
     capture.capture(noise(11025));

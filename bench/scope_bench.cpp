@@ -11,16 +11,9 @@
 namespace sonotrace {
 namespace {
 
-struct Controls : ScopeControls {
-    double level = 0;
-
-    double getRange(std::int32_t) const override { return 2; }
-    double getOffset(std::int32_t) const override { return 0; }
-    double getTrigger(std::int32_t) const override { return level; }
-    bool getTriggerPolarity(std::int32_t) const override { return false; }
-    bool getInvert(std::int32_t) const override { return false; }
-    double getSweep() const override { return 10000; }
-};
+ScopeControls longestTraces(double level) {
+    return {.range = {2, 2}, .trigger = {level, level}, .sweep = 10000};
+}
 
 std::vector<std::int16_t> sawtooth() {
     std::vector<std::int16_t> buffer(22050);
@@ -30,7 +23,7 @@ std::vector<std::int16_t> sawtooth() {
 }
 
 void captureOfOneBuffer(benchmark::State& state) {
-    const Controls controls;
+    const ScopeControls controls = longestTraces(0);
     ScopeCapture capture(controls, [] {});
     const std::vector<std::int16_t> buffer = sawtooth();
     for (auto _ : state)
@@ -42,9 +35,8 @@ BENCHMARK(captureOfOneBuffer)->Unit(benchmark::kMicrosecond);
 void redraw(benchmark::State& state) {
     // Each search writes a line to the log: keep it from covering the figures, but let it cost its time.
     std::FILE* const log = std::freopen("/dev/null", "w", stderr);
-    Controls controls;
-    controls.level = static_cast<double>(state.range(0));
-    state.SetLabel(controls.level == 0 ? "triggered" : "no trigger");
+    const ScopeControls controls = longestTraces(static_cast<double>(state.range(0)));
+    state.SetLabel(state.range(0) == 0 ? "triggered" : "no trigger");
     ScopeCapture capture(controls, [] {});
     capture.capture(sawtooth());
     capture.capture(sawtooth());

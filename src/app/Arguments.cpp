@@ -66,13 +66,13 @@ std::optional<Arguments> readArguments(int argc, char** argv, int& status) {
     else if (parser.isSet("version"))
         std::printf("Sonotrace %s\n", qUtf8Printable(QCoreApplication::applicationVersion()));
     else if (!choice)
-        status = refuse(QStringLiteral("there is no sound system \"%1\"").arg(parser.value("audio")));
+        status = refuse(QString("there is no sound system \"%1\"").arg(parser.value("audio")));
     else if (files.size() > 1)
-        status = refuse(QStringLiteral("only one settings file can be opened"));
+        status = refuse("only one settings file can be opened");
     else if (!files.isEmpty() && !QFileInfo(files.first()).isFile())
-        status = refuse(QStringLiteral("there is no settings file \"%1\"").arg(files.first()));
+        status = refuse(QString("there is no settings file \"%1\"").arg(files.first()));
     else if (parser.isSet("pictures") && parser.value("pictures").isEmpty())
-        status = refuse(QStringLiteral("the pictures need a folder"));
+        status = refuse("the pictures need a folder");
     else if (!hasDisplay(parser)) {
         std::fprintf(stderr, "sonotrace: there is no display\n");
         status = 1;

@@ -18,7 +18,7 @@ namespace sonotrace {
 namespace {
 
 void introduce(QWidget& control, const char* name, const QString& title, const QString& tip) {
-    control.setObjectName(QLatin1String(name));
+    control.setObjectName(name);
     control.setAccessibleName(title);
     control.setAccessibleDescription(tip);
     control.setToolTip(tip);
@@ -38,7 +38,7 @@ QScrollArea* scrolled(GeneratorPanel* panel) {
 
 GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorBank& bank, const QString& soundSystem) {
     window.setObjectName("GeneratorWindow");
-    window.setWindowTitle(QObject::tr("Sonotrace Generators"));
+    window.setWindowTitle("Sonotrace Generators");
 
     GeneratorWindow parts{};
     window.menuBar()->setObjectName("myMenu");
@@ -46,17 +46,16 @@ GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorBank& bank, c
     parts.panel = new GeneratorPanel(bank);
 
     auto* outputPopup = new QComboBox;
-    introduce(*outputPopup, "outputPopup", QObject::tr("Output device"),
-              QObject::tr("The device that the generators play on"));
+    introduce(*outputPopup, "outputPopup", "Output device", "The device that the generators play on");
     outputPopup->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     outputPopup->setMinimumContentsLength(24);
     parts.outputPopup = outputPopup;
-    auto* outputLabel = new QLabel(QObject::tr("O&utput"));
+    auto* outputLabel = new QLabel("O&utput");
     outputLabel->setBuddy(outputPopup);
 
-    auto* syncPhases = new QPushButton(QObject::tr("S&ync Phases"));
-    introduce(*syncPhases, "syncPhases", QObject::tr("Sync phases"),
-              QObject::tr("Starts all generators and the sweep again from phase 0, together"));
+    auto* syncPhases = new QPushButton("S&ync Phases");
+    introduce(*syncPhases, "syncPhases", "Sync phases",
+              "Starts all generators and the sweep again from phase 0, together");
     parts.syncPhases = syncPhases;
 
     auto* strip = new QHBoxLayout;

@@ -31,7 +31,7 @@ QPalette darkPalette() {
 } // namespace
 
 PictureTour::PictureTour(WindowControl& control, const QString& folder) : control_(control), folder_(folder) {
-    folder_.mkpath(QStringLiteral("."));
+    folder_.mkpath(".");
 }
 
 void PictureTour::prepare(Preferences& preferences) {
@@ -39,10 +39,10 @@ void PictureTour::prepare(Preferences& preferences) {
     preferences.setFloat("Freq1", 3000.0);
     preferences.setInteger("GenType1", 1);
     for (int slot = 0; slot < kGeneratorCount; ++slot) {
-        preferences.setFloat(QStringLiteral("VolL%1").arg(slot), 1.0);
-        preferences.setFloat(QStringLiteral("VolR%1").arg(slot), 1.0);
+        preferences.setFloat(QString("VolL%1").arg(slot), 1.0);
+        preferences.setFloat(QString("VolR%1").arg(slot), 1.0);
         if (slot > 1)
-            preferences.setFloat(QStringLiteral("Freq%1").arg(slot), 1000.0 + 100.0 * slot);
+            preferences.setFloat(QString("Freq%1").arg(slot), 1000.0 + 100.0 * slot);
     }
     preferences.setFloat("VolR0", 0.0);
     preferences.setFloat("VolL1", 0.0);
@@ -95,7 +95,7 @@ void PictureTour::openWindows() {
     if (!control_.startRecording(recording))
         report(recording, false);
     for (const char* name : {"menuSweep", "menuSpectrum", "menuWaterfall", "menuWScope"}) {
-        auto* item = control_.window().findChild<QAction*>(QLatin1String(name));
+        auto* item = control_.window().findChild<QAction*>(name);
         if (item && item->isEnabled())
             item->trigger();
     }
@@ -105,7 +105,7 @@ void PictureTour::finish() {
     takePictures(QString());
     QApplication::setPalette(darkPalette());
     QCoreApplication::processEvents();
-    takePictures(QStringLiteral("-dark"));
+    takePictures("-dark");
     control_.doStopRecordingFileMenu();
     const QString recording = folder_.filePath("tone.wav");
     if (QFileInfo(recording).isFile())
@@ -117,7 +117,7 @@ void PictureTour::takePictures(const QString& suffix) {
     for (QWidget* window : QApplication::topLevelWidgets()) {
         if (!window->isVisible() || window->objectName().isEmpty())
             continue;
-        const QString path = folder_.filePath(window->objectName() + suffix + QStringLiteral(".png"));
+        const QString path = folder_.filePath(window->objectName() + suffix + ".png");
         report(path, window->grab().save(path));
     }
 }

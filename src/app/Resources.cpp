@@ -13,7 +13,7 @@ QString resourcePath(const QString& name) {
     const QStringList folders = {"../share/sonotrace", "../share/icons/hicolor/256x256/apps", "../docs",
                                  "../packaging"};
     for (const QString& folder : folders) {
-        const QFileInfo file(QDir(QCoreApplication::applicationDirPath()), folder + QLatin1Char('/') + name);
+        const QFileInfo file(QDir(QCoreApplication::applicationDirPath()), folder + u'/' + name);
         if (file.isFile())
             return QDir::cleanPath(file.absoluteFilePath());
     }

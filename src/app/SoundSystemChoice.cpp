@@ -15,9 +15,9 @@ constexpr std::chrono::milliseconds kServerPatience{1500};
 std::optional<SoundSystemChoice> soundSystemChoice(const QString& word) {
     if (word.isEmpty())
         return SoundSystemChoice::Automatic;
-    if (word == QLatin1String("pulse"))
+    if (word == "pulse")
         return SoundSystemChoice::Pulse;
-    if (word == QLatin1String("loopback"))
+    if (word == "loopback")
         return SoundSystemChoice::Loopback;
     return std::nullopt;
 }

@@ -11,7 +11,7 @@ namespace {
 
 QLabel* addLabel(QStatusBar& bar, const char* name, const QString& description, int stretch) {
     auto* label = new QLabel(&bar);
-    label->setObjectName(QLatin1String(name));
+    label->setObjectName(name);
     label->setTextFormat(Qt::PlainText); // device and file names are not markup
     label->setAccessibleName(description);
     label->setToolTip(description);
@@ -23,7 +23,7 @@ QLabel* addLabel(QStatusBar& bar, const char* name, const QString& description, 
 
 QString minutes(double seconds) {
     const auto whole = static_cast<qint64>(seconds);
-    return QStringLiteral("%1:%2").arg(whole / 60).arg(whole % 60, 2, 10, QLatin1Char('0'));
+    return QString("%1:%2").arg(whole / 60).arg(whole % 60, 2, 10, QChar('0'));
 }
 
 } // namespace
@@ -31,18 +31,19 @@ QString minutes(double seconds) {
 StatusLine::StatusLine(QStatusBar& bar, const QString& soundSystem)
     : QObject(&bar),
       soundSystem_(soundSystem),
-      notice_(addLabel(bar, "noticeLabel", tr("Notices"), 3)),
-      recording_(addLabel(bar, "recordingLabel", tr("Recording"), 3)),
-      output_(addLabel(bar, "outputLabel", tr("Sound system and output device"), 4)) {
+      notice_(addLabel(bar, "noticeLabel", "Notices", 3)),
+      recording_(addLabel(bar, "recordingLabel", "Recording", 3)),
+      output_(addLabel(bar, "outputLabel", "Sound system and output device", 4)) {
     output_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 }
 
 void StatusLine::showOutput(const QueueState& state) {
-    output_->setText(soundSystem_ + QStringLiteral(": ") + describeStream(state));
+    output_->setText(soundSystem_ + ": " + describeStream(state));
 }
 
 void StatusLine::showRecording(const QString& file, double seconds) {
-    recording_->setText(file.isEmpty() ? QString() : tr("● Recording %1  %2").arg(file, minutes(seconds)));
+    recording_->setText(file.isEmpty() ? QString()
+                                       : QString("● Recording %1  %2").arg(file, minutes(seconds)));
 }
 
 void StatusLine::showNotice(const QString& text) {

@@ -7,7 +7,7 @@
 #include "base/SystemLog.h"
 #include "generator/GeneratorPanel.h"
 #include "generator/GeneratorPreferences.h"
-#include "generator/SettingsFile.h"
+#include "generator/SettingsDocument.h"
 #include "scope/ScopeController.h"
 #include "spectrum/SpectrumController.h"
 #include "sweep/SweepController.h"
@@ -19,11 +19,9 @@
 #include <QAction>
 #include <QCoreApplication>
 #include <QDesktopServices>
-#include <QFile>
 #include <QFileInfo>
 #include <QMainWindow>
 #include <QMenuBar>
-#include <QSaveFile>
 #include <QUrl>
 
 namespace sonotrace {
@@ -172,7 +170,7 @@ void WindowControl::openTool(std::unique_ptr<Controller>& controller, const char
 void WindowControl::HalfSecTimer() {
     panel_->poll();
     if (!recorder_.flush())
-        status_->showNotice(tr("%1 cannot be written: is the disk full?").arg(recordingName_));
+        status_->showNotice(QString("%1 cannot be written: is the disk full?").arg(recordingName_));
     showRecordingState();
     status_->showOutput(output_.state());
 }
@@ -182,55 +180,23 @@ void WindowControl::showRecordingState() {
 }
 
 void WindowControl::menuSaveSettings() {
-    if (const auto path = askForFileToSave(window_.get(), tr("Settings file to save")))
-        writeSettings(*path);
-}
-
-void WindowControl::writeSettings(const QString& path) {
-    SettingsOfAll all{};
-    for (int slot = 0; slot < kGeneratorCount; ++slot)
-        all[static_cast<std::size_t>(slot)] = panel_->slotSettings(slot);
-    const auto block = encodeSettingsFile(all);
-    QSaveFile file(path);
-    const bool written = file.open(QIODevice::WriteOnly) &&
-                         file.write(reinterpret_cast<const char*>(block.data()), block.size()) ==
-                             static_cast<qint64>(block.size()) &&
-                         file.commit();
-    const QString name = QFileInfo(path).fileName();
-    status_->showNotice(written ? tr("Settings saved to %1").arg(name)
-                                : tr("%1 cannot be written: %2").arg(name, file.errorString()));
+    if (const auto path = askForFileToSave(window_.get(), "Settings file to save"))
+        status_->showNotice(saveSettingsDocument(*panel_, *path));
 }
 
 void WindowControl::menuOpenSettings() {
-    if (const auto path = askForFileToOpen(window_.get(), tr("Settings file to open")))
+    if (const auto path = askForFileToOpen(window_.get(), "Settings file to open"))
         openSettings(*path);
     syncPhases();
 }
 
 void WindowControl::openSettings(const QString& path) {
-    systemLog("%s", qUtf8Printable(path));
-    QFile file(path);
-    const bool opened = QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly);
-    const QByteArray block = opened ? file.read(static_cast<qint64>(kSettingsFileBytes)) : QByteArray();
-    systemLog("%d", static_cast<int>(opened ? file.size() : 0));
-    const auto all =
-        decodeSettingsFile(std::as_bytes(std::span(block.data(), static_cast<std::size_t>(block.size()))));
-    for (int slot = 0; slot < kGeneratorCount; ++slot)
-        panel_->setSlot(slot, all[static_cast<std::size_t>(slot)]);
-    const QString name = QFileInfo(path).fileName();
-    if (!opened)
-        status_->showNotice(
-            tr("%1 cannot be read: %2")
-                .arg(name, QFileInfo(path).isFile() ? file.errorString() : tr("no such file")));
-    else if (block.size() < static_cast<qint64>(kSettingsFileBytes))
-        status_->showNotice(tr("%1 is too short for a settings file: the rest counts as zero").arg(name));
-    else
-        status_->showNotice(tr("Settings opened from %1").arg(name));
+    status_->showNotice(openSettingsDocument(*panel_, path));
 }
 
 void WindowControl::doRecordingFileMenu() {
-    const auto path = askForFileToSave(window_.get(), tr("Choose file to save recording to"),
-                                       tr("WAV files (*.wav *.WAV)"), QStringLiteral("wav"));
+    const auto path =
+        askForFileToSave(window_.get(), "Choose file to save recording to", "WAV files (*.wav *.WAV)", "wav");
     if (path)
         startRecording(*path);
 }
@@ -241,7 +207,7 @@ bool WindowControl::startRecording(const QString& path) {
     if (started)
         status_->clearNotice();
     else
-        status_->showNotice(tr("%1 cannot be created").arg(recordingName_));
+        status_->showNotice(QString("%1 cannot be created").arg(recordingName_));
     validateMenu();
     showRecordingState();
     return started;
@@ -249,17 +215,17 @@ bool WindowControl::startRecording(const QString& path) {
 
 void WindowControl::doStopRecordingFileMenu() {
     const bool written = recorder_.stop();
-    status_->showNotice(written ? tr("Recorded %1").arg(recordingName_)
-                                : tr("%1 could not be written completely").arg(recordingName_));
+    status_->showNotice(written ? QString("Recorded %1").arg(recordingName_)
+                                : QString("%1 could not be written completely").arg(recordingName_));
     validateMenu();
     showRecordingState();
 }
 
 void WindowControl::showHelp() {
-    const QString manual = resourcePath(QStringLiteral("Sonotrace Docs.pdf"));
+    const QString manual = resourcePath("Sonotrace Docs.pdf");
     if (manual.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(manual)))
-        status_->showNotice(manual.isEmpty() ? tr("The manual is not installed")
-                                             : tr("No document viewer opens %1").arg(manual));
+        status_->showNotice(manual.isEmpty() ? "The manual is not installed"
+                                             : QString("No document viewer opens %1").arg(manual));
 }
 
 void WindowControl::applicationWillTerminate() {

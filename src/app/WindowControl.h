@@ -78,7 +78,6 @@ private:
     void SetSoundDevices();
     void startSound();
     void stopSound();
-    void writeSettings(const QString& path);
     void showRecordingState();
 
     /// Makes a tool's controller on first use and shows its window; after that brings the window to the

@@ -43,10 +43,10 @@ QString percent(double volume) {
 /// Names, tags and describes a control of row `slot`.
 void introduce(QWidget& control, const char* name, int slot, int tag, const QString& title,
                const QString& tip) {
-    control.setObjectName(QLatin1String(name) + QString::number(slot));
+    control.setObjectName(name + QString::number(slot));
     if (tag != 0)
         control.setProperty("tag", tag);
-    control.setAccessibleName(QObject::tr("Generator %1 %2").arg(slot + 1).arg(title));
+    control.setAccessibleName(QString("Generator %1 %2").arg(slot + 1).arg(title));
     control.setAccessibleDescription(tip);
     control.setToolTip(tip);
 }
@@ -79,36 +79,34 @@ void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
     controls.enabled = new QCheckBox(this);
     controls.enabled->setGeometry(14, y, 40, 20);
     controls.enabled->setChecked(settings.enabled > 0);
-    introduce(*controls.enabled, "enabled", slot, kEnabledTag + slot, tr("on"),
-              tr("Switches the generator on. All generators that are on share the full scale between them."));
+    introduce(*controls.enabled, "enabled", slot, kEnabledTag + slot, "on",
+              "Switches the generator on. All generators that are on share the full scale between them.");
 
     controls.waveform = new QComboBox(this);
     controls.waveform->setGeometry(64, y, 110, 25);
     setItems(*controls.waveform, waveformTitles());
     selectItem(*controls.waveform, settings.waveform);
-    introduce(*controls.waveform, "waveform", slot, kWaveformTag + slot, tr("waveform"),
-              tr("Shape of the signal"));
+    introduce(*controls.waveform, "waveform", slot, kWaveformTag + slot, "waveform", "Shape of the signal");
 
     controls.frequency = new NumberField(this);
     controls.frequency->setGeometry(200, y, 85, 20);
     controls.frequency->setAlignment(Qt::AlignLeft);
     controls.frequency->setText(fixedPoint(settings.frequency));
-    introduce(*controls.frequency, "frequency", slot, kFrequencyTag + slot, tr("frequency"),
-              tr("Frequency in Hz, 0.1 to 22000"));
+    introduce(*controls.frequency, "frequency", slot, kFrequencyTag + slot, "frequency",
+              "Frequency in Hz, 0.1 to 22000");
 
     controls.phase = new NumberField(this);
     controls.phase->setGeometry(300, y, 85, 20);
     controls.phase->setAlignment(Qt::AlignLeft);
     controls.phase->setText(fixedPoint(settings.phase));
-    introduce(*controls.phase, "phase", slot, kPhaseTag + slot, tr("phase"),
-              tr("Phase in degrees, -360 to 360"));
+    introduce(*controls.phase, "phase", slot, kPhaseTag + slot, "phase", "Phase in degrees, -360 to 360");
 
     controls.volumeLeft =
-        volumeSlider(slot, "volumeLeft", kVolumeLeftTag + slot, 400, tr("left"), settings.volumeLeft);
-    controls.readoutLeft = readout(slot, "readoutLeft", 525, tr("left"), settings.volumeLeft);
+        volumeSlider(slot, "volumeLeft", kVolumeLeftTag + slot, 400, "left", settings.volumeLeft);
+    controls.readoutLeft = readout(slot, "readoutLeft", 525, "left", settings.volumeLeft);
     controls.volumeRight =
-        volumeSlider(slot, "volumeRight", kVolumeRightTag + slot, 570, tr("right"), settings.volumeRight);
-    controls.readoutRight = readout(slot, "readoutRight", 695, tr("right"), settings.volumeRight);
+        volumeSlider(slot, "volumeRight", kVolumeRightTag + slot, 570, "right", settings.volumeRight);
+    controls.readoutRight = readout(slot, "readoutRight", 695, "right", settings.volumeRight);
 }
 
 RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, int x, const QString& channel,
@@ -116,8 +114,8 @@ RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, in
     auto* slider = new RealSlider(this);
     slider->setGeometry(x, rowY(slot), 125, 25);
     slider->setDoubleValue(volume);
-    introduce(*slider, name, slot, tag, tr("%1 volume").arg(channel),
-              tr("Volume of the %1 channel, 0 to 100 % of the generator's share").arg(channel));
+    introduce(*slider, name, slot, tag, QString("%1 volume").arg(channel),
+              QString("Volume of the %1 channel, 0 to 100 % of the generator's share").arg(channel));
     connect(slider, &RealSlider::valueEdited, this, [this, slider] { volSliderEvent(*slider); });
     return slider;
 }
@@ -125,8 +123,8 @@ RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, in
 QLabel* GeneratorPanel::readout(int slot, const char* name, int x, const QString& channel, double volume) {
     auto* label = new QLabel(percent(volume), this);
     label->setGeometry(x, rowY(slot) + 3, 40, 20);
-    introduce(*label, name, slot, 0, tr("%1 volume in per cent").arg(channel),
-              tr("Volume of the %1 channel in per cent").arg(channel));
+    introduce(*label, name, slot, 0, QString("%1 volume in per cent").arg(channel),
+              QString("Volume of the %1 channel in per cent").arg(channel));
     return label;
 }
 
@@ -135,12 +133,12 @@ void GeneratorPanel::placeCaptions() {
         const char* name;
         QString text;
         int x;
-    } captions[] = {{"labelEnabled", tr("On"), 14},           {"labelType", tr("Waveform"), 64},
-                    {"labelFreq", tr("Frequency, Hz"), 200},  {"labelPhase", tr("Phase, °"), 300},
-                    {"labelLeft", tr("Left volume, %"), 400}, {"labelRight", tr("Right volume, %"), 570}};
+    } captions[] = {{"labelEnabled", "On", 14},           {"labelType", "Waveform", 64},
+                    {"labelFreq", "Frequency, Hz", 200},  {"labelPhase", "Phase, °", 300},
+                    {"labelLeft", "Left volume, %", 400}, {"labelRight", "Right volume, %", 570}};
     for (const auto& caption : captions) {
         auto* label = new QLabel(caption.text, this);
-        label->setObjectName(QLatin1String(caption.name));
+        label->setObjectName(caption.name);
         label->adjustSize();
         label->move(caption.x, kCaptionY);
     }

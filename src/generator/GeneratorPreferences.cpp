@@ -3,22 +3,27 @@
 #include "widgets/Preferences.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace sonotrace {
 
 namespace {
 
-QString slotKey(const char* name, int slot) {
-    return QLatin1String(name) + QString::number(slot);
-}
+constexpr std::pair<const char*, double GeneratorSettings::*> kNumbers[] = {
+    {"Freq", &GeneratorSettings::frequency},
+    {"Phase", &GeneratorSettings::phase},
+    {"VolL", &GeneratorSettings::volumeLeft},
+    {"VolR", &GeneratorSettings::volumeRight}};
+constexpr std::pair<const char*, std::int32_t GeneratorSettings::*> kChoices[] = {
+    {"GenType", &GeneratorSettings::waveform}, {"Enabled", &GeneratorSettings::enabled}};
 
 GeneratorSettings readSlot(const Preferences& preferences, int slot) {
-    return {.frequency = preferences.floatValue(slotKey("Freq", slot)),
-            .phase = preferences.floatValue(slotKey("Phase", slot)),
-            .volumeLeft = preferences.floatValue(slotKey("VolL", slot)),
-            .volumeRight = preferences.floatValue(slotKey("VolR", slot)),
-            .waveform = preferences.integerValue(slotKey("GenType", slot)),
-            .enabled = preferences.integerValue(slotKey("Enabled", slot))};
+    GeneratorSettings settings;
+    for (const auto& [key, member] : kNumbers)
+        settings.*member = preferences.floatValue(key + QString::number(slot));
+    for (const auto& [key, member] : kChoices)
+        settings.*member = preferences.integerValue(key + QString::number(slot));
+    return settings;
 }
 
 /// Phase and the switch do not count: 0 is a usual value for both.
@@ -60,12 +65,10 @@ bool loadGeneratorBank(const Preferences& preferences, GeneratorBank& bank) {
 }
 
 void saveGeneratorSlot(Preferences& preferences, int slot, const GeneratorSettings& settings) {
-    preferences.setFloat(slotKey("Freq", slot), settings.frequency);
-    preferences.setFloat(slotKey("Phase", slot), settings.phase);
-    preferences.setFloat(slotKey("VolL", slot), settings.volumeLeft);
-    preferences.setFloat(slotKey("VolR", slot), settings.volumeRight);
-    preferences.setInteger(slotKey("GenType", slot), settings.waveform);
-    preferences.setInteger(slotKey("Enabled", slot), settings.enabled);
+    for (const auto& [key, member] : kNumbers)
+        preferences.setFloat(key + QString::number(slot), settings.*member);
+    for (const auto& [key, member] : kChoices)
+        preferences.setInteger(key + QString::number(slot), settings.*member);
 }
 
 } // namespace sonotrace

@@ -30,7 +30,7 @@ void ScopeCapture::capture(std::span<const std::int16_t> interleaved) {
     const std::size_t frames =
         std::min<std::size_t>(interleaved.size() / 2, static_cast<std::size_t>(kCaptureFramesPerBuffer));
     for (std::size_t ch = 0; ch < channels_.size(); ++ch) {
-        const double gain = controls_.getRange(static_cast<std::int32_t>(ch));
+        const double gain = controls_.range[ch];
         std::int16_t* const captured = channels_[ch].captured.data() + captureIndex_;
         for (std::size_t i = 0; i < frames; ++i)
             captured[i] = scaled(interleaved[2 * i + ch], gain);
@@ -45,7 +45,7 @@ void ScopeCapture::capture(std::span<const std::int16_t> interleaved) {
 void ScopeCapture::completeBlock(std::size_t frames) {
     for (std::size_t ch = 0; ch < channels_.size(); ++ch) {
         Channel& channel = channels_[ch];
-        const bool invert = controls_.getInvert(static_cast<std::int32_t>(ch));
+        const bool invert = controls_.invert[ch];
         for (std::size_t i = 0; i < frames; ++i) {
             const std::int16_t sample = channel.captured[i];
             channel.display[i] = invert ? sample : wrapToSample(-sample);

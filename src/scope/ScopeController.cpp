@@ -1,35 +1,31 @@
 #include "scope/ScopeController.h"
 
-#include "base/Numbers.h"
 #include "base/SystemLog.h"
 #include "ui_ScopeWindow.h"
-#include "widgets/PopUp.h"
-#include "widgets/Preferences.h"
+#include "widgets/RealSlider.h"
 
 namespace sonotrace {
 
 namespace {
 
-constexpr auto kFrameKey = "SCOPE_WINDOW_FRAME";
 const QSize kDefaultSize(960, 640);
-constexpr int kStateInterval = 500; // ms
 
 // What the sliders are set to when nothing is stored: far outside their ranges, so that they stand at their
 // ends.
-constexpr double kNoRange = 50000.0;
-constexpr double kNoSweep = 600.0;
+constexpr float kNoRange = 50000.0F;
+constexpr float kNoSweep = 600.0F;
 
 /// A slider left at exactly 0 counts as one that was never stored.
-double storedOr(float stored, double fallback) {
-    return stored == 0.0F ? fallback : static_cast<double>(stored);
+auto storedOr(float fallback) {
+    return [fallback](float stored) { return stored == 0.0F ? fallback : stored; };
 }
 
 } // namespace
 
 ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferences& preferences)
-    : preferences_(preferences),
-      ui_(std::make_unique<Ui::ScopeWindow>()),
-      capture_(*this, [this] { ui_->mainView->update(); }) {
+    : ui_(std::make_unique<Ui::ScopeWindow>()),
+      stored_(preferences, window_, "SCOPE_WINDOW_FRAME"),
+      capture_(controls_, [this] { ui_->mainView->update(); }) {
     systemLog("- (void)init");
     ui_->setupUi(&window_);
     window_.setAttribute(Qt::WA_QuitOnClose, false);
@@ -55,52 +51,65 @@ ScopeController::~ScopeController() {
 }
 
 void ScopeController::awakeFromNib() {
-    ui_->mainView->setModel(*this, capture_);
-    preferences_.restoreFrame(window_, kFrameKey);
+    ui_->mainView->setModel(controls_, capture_);
     source_->GetSoundDevices();
     source_->SetSoundDevices();
-    selectItem(*ui_->inputPopup, preferences_.integerValue("inputPopup"));
     for (const RealSlider* slider :
          {ui_->rangeSlider1, ui_->rangeSlider2, ui_->offsetSlider1, ui_->offsetSlider2, ui_->triggerSlider1,
           ui_->triggerSlider2, ui_->sweepSlider})
-        connect(slider, &RealSlider::doubleValueChanged, this, &ScopeController::showValues);
-    restoreControls();
+        connect(slider, &RealSlider::doubleValueChanged, this, &ScopeController::takeControls);
+    for (const QCheckBox* box :
+         {ui_->polarity1Button, ui_->polarity2Button, ui_->invert1Button, ui_->invert2Button})
+        connect(box, &QCheckBox::toggled, this, &ScopeController::takeControls);
+    listStoredControls();
+    stored_.restore();
     source_->startSound();
-    connect(&stateTimer_, &QTimer::timeout, source_.get(), &InputSource::showState);
-    stateTimer_.start(kStateInterval);
 }
 
-void ScopeController::restoreControls() {
-    ui_->rangeSlider1->setDoubleValue(storedOr(preferences_.floatValue("SCOPE_range1Text"), kNoRange));
-    ui_->rangeSlider2->setDoubleValue(storedOr(preferences_.floatValue("SCOPE_range2Text"), kNoRange));
-    ui_->triggerSlider1->setDoubleValue(preferences_.floatValue("SCOPE_trigger1Text"));
-    ui_->triggerSlider2->setDoubleValue(preferences_.floatValue("SCOPE_trigger2Text"));
-    ui_->offsetSlider1->setDoubleValue(preferences_.floatValue("SCOPE_offset1Text"));
-    ui_->offsetSlider2->setDoubleValue(preferences_.floatValue("SCOPE_offset2Text"));
-    ui_->sweepSlider->setDoubleValue(storedOr(preferences_.floatValue("SCOPE_sweepText"), kNoSweep));
-    ui_->polarity1Button->setChecked(isScopeButtonSet(preferences_.integerValue("SCOPE_polarity1Button")));
-    ui_->polarity2Button->setChecked(isScopeButtonSet(preferences_.integerValue("SCOPE_polarity2Button")));
-    ui_->invert1Button->setChecked(isScopeButtonSet(preferences_.integerValue("SCOPE_invert1Button")));
-    ui_->invert2Button->setChecked(isScopeButtonSet(preferences_.integerValue("SCOPE_invert2Button")));
-    ui_->soundInputVolume2->setDoubleValue(
-        truncateToInt32(preferences_.doubleValue("SCOPE_soundInputVolume")));
+void ScopeController::listStoredControls() {
+    stored_.add("inputPopup", *ui_->inputPopup);
+    stored_.add("SCOPE_range1Text", *ui_->rangeSlider1, storedOr(kNoRange));
+    stored_.add("SCOPE_range2Text", *ui_->rangeSlider2, storedOr(kNoRange));
+    stored_.add("SCOPE_trigger1Text", *ui_->triggerSlider1);
+    stored_.add("SCOPE_trigger2Text", *ui_->triggerSlider2);
+    stored_.add("SCOPE_offset1Text", *ui_->offsetSlider1);
+    stored_.add("SCOPE_offset2Text", *ui_->offsetSlider2);
+    stored_.add("SCOPE_sweepText", *ui_->sweepSlider, storedOr(kNoSweep));
+    stored_.add("SCOPE_polarity1Button", *ui_->polarity1Button, isScopeButtonSet);
+    stored_.add("SCOPE_polarity2Button", *ui_->polarity2Button, isScopeButtonSet);
+    stored_.add("SCOPE_invert1Button", *ui_->invert1Button, isScopeButtonSet);
+    stored_.add("SCOPE_invert2Button", *ui_->invert2Button, isScopeButtonSet);
+    stored_.addVolume("SCOPE_soundInputVolume", *ui_->soundInputVolume2);
+}
+
+void ScopeController::takeControls() {
+    for (const std::int32_t ch : {0, 1}) {
+        const auto i = static_cast<std::size_t>(ch);
+        controls_.range[i] = getRange(ch);
+        controls_.offset[i] = getOffset(ch);
+        controls_.trigger[i] = getTrigger(ch);
+        controls_.triggerPolarity[i] = getTriggerPolarity(ch);
+        controls_.invert[i] = getInvert(ch);
+    }
+    controls_.sweep = getSweep();
+    showValues();
 }
 
 /// Says beside each slider what its position means.
 void ScopeController::showValues() {
-    const auto gain = [this](std::int32_t ch) { return tr("× %1").arg(getRange(ch), 0, 'f', 1); };
-    const auto offset = [this](std::int32_t ch) { return tr("%1 px").arg(getOffset(ch), 0, 'f', 0); };
-    const auto level = [this](std::int32_t ch) { return QString::number(getTrigger(ch), 'f', 0); };
-    ui_->rangeValue1->setText(gain(0));
-    ui_->rangeValue2->setText(gain(1));
-    ui_->offsetValue1->setText(offset(0));
-    ui_->offsetValue2->setText(offset(1));
-    ui_->triggerValue1->setText(level(0));
-    ui_->triggerValue2->setText(level(1));
-    const std::int32_t samples = displayBuflength(getSweep());
+    const auto gain = [](double range) { return QString("× %1").arg(range, 0, 'f', 1); };
+    const auto points = [](double offset) { return QString("%1 px").arg(offset, 0, 'f', 0); };
+    const auto level = [](double trigger) { return QString::number(trigger, 'f', 0); };
+    ui_->rangeValue1->setText(gain(controls_.range[0]));
+    ui_->rangeValue2->setText(gain(controls_.range[1]));
+    ui_->offsetValue1->setText(points(controls_.offset[0]));
+    ui_->offsetValue2->setText(points(controls_.offset[1]));
+    ui_->triggerValue1->setText(level(controls_.trigger[0]));
+    ui_->triggerValue2->setText(level(controls_.trigger[1]));
+    const std::int32_t samples = displayBuflength(controls_.sweep);
     const double milliseconds = samples * 1000.0 / StreamDescription().sampleRate;
     ui_->sweepValue->setText(
-        tr("%1 samples, %2 ms").arg(samples).arg(milliseconds, 0, 'f', milliseconds < 10 ? 2 : 1));
+        QString("%1 samples, %2 ms").arg(samples).arg(milliseconds, 0, 'f', milliseconds < 10 ? 2 : 1));
 }
 
 double ScopeController::getRange(std::int32_t ch) const {
@@ -128,22 +137,7 @@ double ScopeController::getSweep() const {
 }
 
 void ScopeController::applicationWillTerminate() {
-    const auto state = [](const QCheckBox* button) { return button->isChecked() ? 1 : 0; };
-    preferences_.setInteger("inputPopup", ui_->inputPopup->currentIndex());
-    preferences_.setFloat("SCOPE_range1Text", ui_->rangeSlider1->doubleValue());
-    preferences_.setFloat("SCOPE_range2Text", ui_->rangeSlider2->doubleValue());
-    preferences_.setFloat("SCOPE_trigger1Text", ui_->triggerSlider1->doubleValue());
-    preferences_.setFloat("SCOPE_trigger2Text", ui_->triggerSlider2->doubleValue());
-    preferences_.setFloat("SCOPE_offset1Text", ui_->offsetSlider1->doubleValue());
-    preferences_.setFloat("SCOPE_offset2Text", ui_->offsetSlider2->doubleValue());
-    preferences_.setInteger("SCOPE_polarity1Button", state(ui_->polarity1Button));
-    preferences_.setInteger("SCOPE_polarity2Button", state(ui_->polarity2Button));
-    preferences_.setFloat("SCOPE_sweepText", ui_->sweepSlider->doubleValue());
-    preferences_.setInteger("SCOPE_invert1Button", state(ui_->invert1Button));
-    preferences_.setInteger("SCOPE_invert2Button", state(ui_->invert2Button));
-    preferences_.setDouble("SCOPE_soundInputVolume", ui_->soundInputVolume2->integerValue());
-    preferences_.setFrame(window_, kFrameKey);
-    preferences_.synchronise();
+    stored_.store();
 }
 
 } // namespace sonotrace

@@ -3,9 +3,9 @@
 #include "scope/ScopeCapture.h"
 #include "scope/ScopeControls.h"
 #include "widgets/InputSource.h"
+#include "widgets/StoredControls.h"
 
 #include <QObject>
-#include <QTimer>
 #include <QWidget>
 
 #include <memory>
@@ -16,12 +16,9 @@ class ScopeWindow;
 
 namespace sonotrace {
 
-class Preferences;
-class RealSlider;
-
-/// The oscilloscope's window: restores and stores its controls, which the capture and the view read when they
-/// need them, and runs the input stream from the moment it is made until the program ends. Window thread.
-class ScopeController : public QObject, public ScopeControls {
+/// The oscilloscope's window: restores and stores its controls, keeps their values for the capture and the
+/// view, and runs the input stream from the moment it is made until the program ends. Window thread.
+class ScopeController : public QObject {
     Q_OBJECT
 
 public:
@@ -36,25 +33,28 @@ public:
     void applicationWillTerminate();
 
     QWidget& window() { return window_; }
+    const ScopeControls& controls() const { return controls_; }
     const ScopeCapture& capture() const { return capture_; }
 
-    double getRange(std::int32_t ch) const override;
-    double getOffset(std::int32_t ch) const override;
-    double getTrigger(std::int32_t ch) const override;
-    bool getTriggerPolarity(std::int32_t ch) const override;
-    bool getInvert(std::int32_t ch) const override;
-    double getSweep() const override;
+    // What the controls say at this moment. Channel 0 is the first (left), any other number the second.
+    double getRange(std::int32_t ch) const;
+    double getOffset(std::int32_t ch) const;
+    double getTrigger(std::int32_t ch) const;
+    bool getTriggerPolarity(std::int32_t ch) const;
+    bool getInvert(std::int32_t ch) const;
+    double getSweep() const;
 
 private:
-    void restoreControls();
+    void listStoredControls();
+    void takeControls();
     void showValues();
 
-    Preferences& preferences_;
     QWidget window_;
     const std::unique_ptr<Ui::ScopeWindow> ui_;
+    StoredControls stored_;
+    ScopeControls controls_;
     ScopeCapture capture_;
     std::unique_ptr<InputSource> source_;
-    QTimer stateTimer_;
 };
 
 } // namespace sonotrace

@@ -1,21 +1,19 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 namespace sonotrace {
 
-/// Reads the scope window's controls at the moment of the call. Channel 0 is the first (left), any other
-/// number the second. Window thread.
-class ScopeControls {
-public:
-    virtual ~ScopeControls() = default;
-
-    virtual double getRange(std::int32_t ch) const = 0;         ///< gain, see scopeGain()
-    virtual double getOffset(std::int32_t ch) const = 0;        ///< points the trace is moved up
-    virtual double getTrigger(std::int32_t ch) const = 0;       ///< level in sample units
-    virtual bool getTriggerPolarity(std::int32_t ch) const = 0; ///< true: triggers on a falling signal
-    virtual bool getInvert(std::int32_t ch) const = 0; ///< true: shown as captured; false: upside down
-    virtual double getSweep() const = 0;               ///< samples per trace, see scopeSweep()
+/// What the scope window's controls say; of two values the first is the first (left) channel's. Any values
+/// do. Window thread.
+struct ScopeControls {
+    std::array<double, 2> range{1.0, 1.0}; ///< gain, see scopeGain()
+    std::array<double, 2> offset{};        ///< points the trace is moved up
+    std::array<double, 2> trigger{};       ///< level in sample units
+    std::array<bool, 2> triggerPolarity{}; ///< true: triggers on a falling signal
+    std::array<bool, 2> invert{};          ///< true: shown as captured; false: upside down
+    double sweep = 10.0;                   ///< samples per trace, see scopeSweep()
 };
 
 /// Gain of a range slider, 1 / 10^value. The value counts from -2 to 0, which gives 100 down to 1.

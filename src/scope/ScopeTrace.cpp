@@ -33,16 +33,15 @@ ScopeTrace::ScopeTrace() {
 
 void ScopeTrace::build(const ScopeControls& controls, const ScopeCapture& capture, double width,
                        double height) {
-    const std::int32_t length = displayBuflength(controls.getSweep());
+    const std::int32_t length = displayBuflength(controls.sweep);
     const double xStep = viewSize(width) / length;
     const double yScale = 0.25 * viewSize(height) / kSamplesPerQuarter;
     std::int32_t start = 0;
     for (std::size_t i = 0; i < lines_.size(); ++i) {
-        const auto ch = static_cast<std::int32_t>(i);
-        const double baseLine = visibleOffset(controls.getOffset(ch)) + kBaseLines[i] * viewSize(height);
+        const double baseLine = visibleOffset(controls.offset[i]) + kBaseLines[i] * viewSize(height);
         const TriggerSearch::Trace trace =
-            triggers_.search(i, capture.display(ch),
-                             {controls.getTrigger(ch), controls.getTriggerPolarity(ch)}, length, start);
+            triggers_.search(i, capture.display(static_cast<std::int32_t>(i)),
+                             {controls.trigger[i], controls.triggerPolarity[i]}, length, start);
         start = trace.triggerBase;
 
         const auto samples = trace.samples.subspan(static_cast<std::size_t>(trace.triggerBase),

@@ -1,11 +1,8 @@
 #include "spectrum/SpectrumController.h"
 
 #include "base/FftWindows.h"
-#include "base/Numbers.h"
 #include "base/SystemLog.h"
 #include "ui_SpectrumWindow.h"
-#include "widgets/PopUp.h"
-#include "widgets/Preferences.h"
 
 #include <algorithm>
 #include <bit>
@@ -14,10 +11,8 @@ namespace sonotrace {
 
 namespace {
 
-constexpr auto kFrameKey = "SPECTRUM_WINDOW_FRAME";
 constexpr int kMeterInterval = 50; // ms
 const QSize kDefaultSize(960, 620);
-constexpr int kTicksPerState = 10; // the line below the plot needs no faster look
 constexpr float kFullBrightness = 1000.0F;
 
 /// The log lines of the frequencies show part of the number's bits, the low half of the double, not the
@@ -29,8 +24,8 @@ int loggedBits(double value) {
 } // namespace
 
 SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Preferences& preferences)
-    : preferences_(preferences),
-      ui_(std::make_unique<Ui::SpectrumWindow>()),
+    : ui_(std::make_unique<Ui::SpectrumWindow>()),
+      stored_(preferences, window_, "SPECTRUM_WINDOW_FRAME"),
       analysis_([this] { ui_->mainView->update(); }) {
     systemLog("- (void)init");
     ui_->setupUi(&window_);
@@ -52,56 +47,52 @@ SpectrumController::~SpectrumController() {
 }
 
 void SpectrumController::awakeFromNib() {
-    preferences_.restoreFrame(window_, kFrameKey);
-    restoreSettings();
     ui_->mainView->setModel(analysis_, display_);
     fillMenus();
-    ui_->soundInputVolume2->setDoubleValue(
-        truncateToInt32(preferences_.doubleValue("SPECTRUM_soundInputVolume")));
     source_->GetSoundDevices();
     source_->SetSoundDevices();
-    selectItem(*ui_->inputPopup, preferences_.integerValue("inputPopup"));
+    listStoredControls();
+    stored_.restore();
+    doFFTSize();
     connect(&bargraphTimer_, &QTimer::timeout, this, &SpectrumController::updateBargraph);
     source_->startSound();
     bargraphTimer_.start(kMeterInterval);
     connectControls();
 }
 
-void SpectrumController::restoreSettings() {
-    display_.spectrumStartFreq = preferences_.floatValue("spectrumStartFreq");
-    const float end = preferences_.floatValue("spectrumEndFreq");
-    display_.spectrumEndFreq = end == 0.0F ? 5000.0F : end;
-    display_.fillMode = preferences_.integerValue("spectrumFillCheckbox");
-    display_.logMode = preferences_.integerValue("spectrumLogCheckbox");
-    display_.gridMode = preferences_.integerValue("spectrumGridCheckbox");
-    const std::int32_t blocks = std::clamp(preferences_.integerValue("spectrumNumAvg"), 1, 100);
-    analysis_.setNumAvg(blocks);
-    const float brightness = preferences_.floatValue("gridBrightness");
-    display_.gridBrightness =
-        brightness > 0.0F && brightness <= kFullBrightness ? brightness : kFullBrightness;
-
-    ui_->gridSlider->setDoubleValue(display_.gridBrightness);
-    ui_->startFreqText->setFloatValue(static_cast<float>(display_.spectrumStartFreq));
-    ui_->endFreqText->setFloatValue(static_cast<float>(display_.spectrumEndFreq));
-    ui_->fillCheckbox->setChecked(display_.fillMode != 0);
-    ui_->logCheckbox->setChecked(display_.logMode != 0);
-    ui_->gridCheckbox->setChecked(display_.gridMode != 0);
-    ui_->numAvgText->setDoubleValue(blocks);
+void SpectrumController::listStoredControls() {
+    stored_.add("spectrumStartFreq", *ui_->startFreqText, alsoInto(display_.spectrumStartFreq));
+    stored_.add("spectrumEndFreq", *ui_->endFreqText, [this](float stored) {
+        const float end = stored == 0.0F ? 5000.0F : stored;
+        display_.spectrumEndFreq = end;
+        return end;
+    });
+    stored_.add("spectrumFillCheckbox", *ui_->fillCheckbox, alsoInto(display_.fillMode));
+    stored_.add("spectrumLogCheckbox", *ui_->logCheckbox, alsoInto(display_.logMode));
+    stored_.add("spectrumGridCheckbox", *ui_->gridCheckbox, alsoInto(display_.gridMode));
+    const auto setNumAvg = [this](std::int32_t stored) {
+        analysis_.setNumAvg(std::clamp(stored, 1, 100));
+        ui_->numAvgText->setDoubleValue(analysis_.numAvg());
+    };
+    stored_.addInteger("spectrumNumAvg", setNumAvg, [this] { return ui_->numAvgText->integerValue(); });
+    stored_.add("gridBrightness", *ui_->gridSlider, [this](float stored) {
+        return display_.gridBrightness =
+                   stored > 0.0F && stored <= kFullBrightness ? stored : kFullBrightness;
+    });
+    stored_.add("SPECTRUM_fftSizePopup", *ui_->fftSizePopup);
+    stored_.add("SPECTRUM_windowPopup", *ui_->windowPopup, [this](std::int32_t stored) {
+        analysis_.setWindowType(stored);
+        return stored;
+    });
+    stored_.addVolume("SPECTRUM_soundInputVolume", *ui_->soundInputVolume2);
+    stored_.add("inputPopup", *ui_->inputPopup);
 }
 
 void SpectrumController::fillMenus() {
-    ui_->fftSizePopup->clear();
     for (const std::int32_t size : kSpectrumFftSizes)
         ui_->fftSizePopup->addItem(QString::number(size));
-    selectItem(*ui_->fftSizePopup, preferences_.integerValue("SPECTRUM_fftSizePopup"));
-    doFFTSize();
-
-    ui_->windowPopup->clear();
     for (const char* title : kFftWindowTitles)
-        ui_->windowPopup->addItem(QString::fromLatin1(title));
-    const std::int32_t window = preferences_.integerValue("SPECTRUM_windowPopup");
-    selectItem(*ui_->windowPopup, window);
-    analysis_.setWindowType(window);
+        ui_->windowPopup->addItem(title);
 }
 
 void SpectrumController::connectControls() {
@@ -162,24 +153,10 @@ void SpectrumController::doInputGain() {
 void SpectrumController::updateBargraph() {
     ui_->volumeLevel->setDoubleValue(static_cast<double>(source_->peakLevel()));
     display_.gridBrightness = static_cast<float>(ui_->gridSlider->doubleValue() * 0.001);
-    if (++ticks_ % kTicksPerState == 0)
-        source_->showState();
 }
 
 void SpectrumController::applicationWillTerminate() {
-    preferences_.setFloat("spectrumStartFreq", ui_->startFreqText->doubleValue());
-    preferences_.setFloat("spectrumEndFreq", ui_->endFreqText->doubleValue());
-    preferences_.setInteger("spectrumFillCheckbox", ui_->fillCheckbox->isChecked() ? 1 : 0);
-    preferences_.setInteger("spectrumLogCheckbox", ui_->logCheckbox->isChecked() ? 1 : 0);
-    preferences_.setInteger("spectrumGridCheckbox", ui_->gridCheckbox->isChecked() ? 1 : 0);
-    preferences_.setInteger("spectrumNumAvg", ui_->numAvgText->integerValue());
-    preferences_.setFloat("gridBrightness", ui_->gridSlider->doubleValue());
-    preferences_.setInteger("SPECTRUM_fftSizePopup", ui_->fftSizePopup->currentIndex());
-    preferences_.setInteger("SPECTRUM_windowPopup", ui_->windowPopup->currentIndex());
-    preferences_.setDouble("SPECTRUM_soundInputVolume", ui_->soundInputVolume2->integerValue());
-    preferences_.setInteger("inputPopup", ui_->inputPopup->currentIndex());
-    preferences_.setFrame(window_, kFrameKey);
-    preferences_.synchronise();
+    stored_.store();
 }
 
 } // namespace sonotrace

@@ -3,6 +3,7 @@
 #include "spectrum/SpectrumAnalysis.h"
 #include "spectrum/SpectrumGeometry.h"
 #include "widgets/InputSource.h"
+#include "widgets/StoredControls.h"
 
 #include <QObject>
 #include <QTimer>
@@ -15,8 +16,6 @@ class SpectrumWindow;
 }
 
 namespace sonotrace {
-
-class Preferences;
 
 /// The spectrum analyzer's window: restores and stores its controls, hands their values to the analysis and
 /// the view, and runs the input stream from the moment it is made until the program ends. Window thread.
@@ -39,7 +38,7 @@ public:
     const SpectrumDisplay& display() const { return display_; }
 
 private:
-    void restoreSettings();
+    void listStoredControls();
     void fillMenus();
     void connectControls();
 
@@ -54,14 +53,13 @@ private:
     void doInputGain();
     void updateBargraph();
 
-    Preferences& preferences_;
     QWidget window_;
     const std::unique_ptr<Ui::SpectrumWindow> ui_;
+    StoredControls stored_;
     SpectrumDisplay display_;
     SpectrumAnalysis analysis_;
     std::unique_ptr<InputSource> source_;
     QTimer bargraphTimer_;
-    int ticks_ = 0;
 };
 
 } // namespace sonotrace

@@ -3,13 +3,11 @@
 #include "base/SystemLog.h"
 #include "sweep/SweepStatus.h"
 #include "ui_SweepWindow.h"
-#include "widgets/Preferences.h"
 
 namespace sonotrace {
 
 namespace {
 
-constexpr auto kFrameKey = "SWEEP_WINDOW_FRAME";
 constexpr auto kRelaxed = std::memory_order_relaxed;
 constexpr int kStateInterval = 200; // ms
 
@@ -19,13 +17,15 @@ void store(std::atomic<std::int32_t>& parameter, const QCheckBox& box) {
 
 /// The rate's unit in a logarithmic sweep: so much of itself the frequency grows a second.
 QString logRateUnit() {
-    return QObject::tr("× 0.046417 %/s");
+    return "× 0.046417 %/s";
 }
 
 } // namespace
 
 SweepController::SweepController(SweepParameters& parameters, Preferences& preferences)
-    : parameters_(parameters), preferences_(preferences), ui_(std::make_unique<Ui::SweepWindow>()) {
+    : parameters_(parameters),
+      ui_(std::make_unique<Ui::SweepWindow>()),
+      stored_(preferences, window_, "SWEEP_WINDOW_FRAME") {
     systemLog("- (void)init");
     ui_->setupUi(&window_);
     window_.setAttribute(Qt::WA_QuitOnClose, false);
@@ -35,45 +35,35 @@ SweepController::~SweepController() = default;
 
 void SweepController::awakeFromNib() {
     systemLog("- (void)awakeFromNib");
-    preferences_.restoreFrame(window_, kFrameKey);
     follow(*ui_->amplitudeLeft, *ui_->amplitudeLeftReadout);
     follow(*ui_->amplitudeRight, *ui_->amplitudeRightReadout);
     // The switch beside the unit must not jump when it is clicked.
     ui_->rateUnit->setMinimumWidth(ui_->rateUnit->fontMetrics().horizontalAdvance(logRateUnit()));
-    restoreNumbers();
-    restoreSwitches();
+    listStoredControls();
+    stored_.restore();
     connectControls();
     showState();
     stateTimer_.start(kStateInterval);
 }
 
-void SweepController::restoreNumbers() {
-    const auto stored = [this](const char* key) { return preferences_.floatValue(key); };
-    ui_->startFreq->setFloatValue(stored("sweepStart"));
-    ui_->endFreq->setFloatValue(stored("sweepEnd"));
-    ui_->rate->setFloatValue(stored("sweepRate"));
-    ui_->amplitudeLeft->setDoubleValue(static_cast<double>(stored("sweepAmplitudeLeft")));
-    ui_->amplitudeRight->setDoubleValue(static_cast<double>(stored("sweepAmplitudeRight")));
-
-    // From the store and not from the controls: a slider pins what it is given.
-    parameters_.startFrequency.store(static_cast<double>(stored("sweepStart")), kRelaxed);
-    parameters_.endFrequency.store(static_cast<double>(stored("sweepEnd")), kRelaxed);
-    parameters_.rate.store(static_cast<double>(stored("sweepRate")), kRelaxed);
-    parameters_.amplitudeLeft.store(static_cast<double>(stored("sweepAmplitudeLeft")), kRelaxed);
-    parameters_.amplitudeRight.store(static_cast<double>(stored("sweepAmplitudeRight")), kRelaxed);
-}
-
-void SweepController::restoreSwitches() {
-    const auto restore = [this](const char* key, std::atomic<std::int32_t>& parameter, QCheckBox& box) {
-        const bool on = preferences_.booleanValue(key);
-        parameter.store(on ? 1 : 0, kRelaxed);
-        box.setChecked(on);
+void SweepController::listStoredControls() {
+    stored_.add("sweepStart", *ui_->startFreq, alsoInto(parameters_.startFrequency));
+    stored_.add("sweepEnd", *ui_->endFreq, alsoInto(parameters_.endFrequency));
+    stored_.add("sweepRate", *ui_->rate, alsoInto(parameters_.rate));
+    stored_.add("sweepAmplitudeLeft", *ui_->amplitudeLeft, alsoInto(parameters_.amplitudeLeft));
+    stored_.add("sweepAmplitudeRight", *ui_->amplitudeRight, alsoInto(parameters_.amplitudeRight));
+    const auto toggle = [this](const char* key, QCheckBox& box, std::atomic<std::int32_t>& parameter) {
+        const auto restore = [&box, &parameter](std::int32_t stored) {
+            box.setChecked(stored != 0);
+            store(parameter, box);
+        };
+        stored_.addInteger(key, restore, [&parameter] { return parameter.load(kRelaxed); });
     };
-    restore("sweepEnabled", parameters_.enabled, *ui_->enabledCheck);
-    restore("sweepLeftEnabled", parameters_.leftEnabled, *ui_->leftEnabled);
-    restore("sweepRightEnabled", parameters_.rightEnabled, *ui_->rightEnabled);
-    restore("sweepReverse", parameters_.reverse, *ui_->reverse);
-    restore("sweepLog", parameters_.log, *ui_->logSweep);
+    toggle("sweepEnabled", *ui_->enabledCheck, parameters_.enabled);
+    toggle("sweepLeftEnabled", *ui_->leftEnabled, parameters_.leftEnabled);
+    toggle("sweepRightEnabled", *ui_->rightEnabled, parameters_.rightEnabled);
+    toggle("sweepReverse", *ui_->reverse, parameters_.reverse);
+    toggle("sweepLog", *ui_->logSweep, parameters_.log);
 }
 
 void SweepController::connectControls() {
@@ -100,14 +90,14 @@ void SweepController::connectControls() {
 
 /// Keeps the per cent beside a slider, at a width that does not change with the digits.
 void SweepController::follow(const RealSlider& slider, QLabel& readout) {
-    readout.setMinimumWidth(readout.fontMetrics().horizontalAdvance(tr("100.0 %")));
+    readout.setMinimumWidth(readout.fontMetrics().horizontalAdvance("100.0 %"));
     connect(&slider, &RealSlider::doubleValueChanged, &readout,
-            [&readout](double value) { readout.setText(tr("%1 %").arg(value * 100.0, 0, 'f', 1)); });
+            [&readout](double value) { readout.setText(QString("%1 %").arg(value * 100.0, 0, 'f', 1)); });
 }
 
 void SweepController::showState() {
     ui_->sweepState->setText(describeSweep(parameters_));
-    ui_->rateUnit->setText(ui_->logSweep->isChecked() ? logRateUnit() : tr("Hz/s"));
+    ui_->rateUnit->setText(ui_->logSweep->isChecked() ? logRateUnit() : "Hz/s");
 }
 
 void SweepController::showWindow() {
@@ -186,18 +176,7 @@ void SweepController::rateTextChanged() {
 }
 
 void SweepController::applicationWillTerminate() {
-    preferences_.setFloat("sweepStart", ui_->startFreq->doubleValue());
-    preferences_.setFloat("sweepEnd", ui_->endFreq->doubleValue());
-    preferences_.setFloat("sweepRate", ui_->rate->doubleValue());
-    preferences_.setFloat("sweepAmplitudeLeft", ui_->amplitudeLeft->doubleValue());
-    preferences_.setFloat("sweepAmplitudeRight", ui_->amplitudeRight->doubleValue());
-    preferences_.setInteger("sweepEnabled", parameters_.enabled.load(kRelaxed));
-    preferences_.setInteger("sweepLeftEnabled", parameters_.leftEnabled.load(kRelaxed));
-    preferences_.setInteger("sweepRightEnabled", parameters_.rightEnabled.load(kRelaxed));
-    preferences_.setInteger("sweepReverse", parameters_.reverse.load(kRelaxed));
-    preferences_.setInteger("sweepLog", parameters_.log.load(kRelaxed));
-    preferences_.setFrame(window_, kFrameKey);
-    preferences_.synchronise();
+    stored_.store();
 }
 
 } // namespace sonotrace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "generator/SweepParameters.h"
+#include "widgets/StoredControls.h"
 
 #include <QObject>
 #include <QTimer>
@@ -16,7 +17,6 @@ class SweepWindow;
 
 namespace sonotrace {
 
-class Preferences;
 class RealSlider;
 
 /// The sweep's window. Every control writes its parameter at once, as it is: the render copes with any value.
@@ -57,16 +57,15 @@ public Q_SLOTS:
     void rateTextChanged();
 
 private:
-    void restoreNumbers();
-    void restoreSwitches();
+    void listStoredControls();
     void connectControls();
     void follow(const RealSlider& slider, QLabel& readout);
     void showState();
 
     SweepParameters& parameters_;
-    Preferences& preferences_;
     QWidget window_;
     const std::unique_ptr<Ui::SweepWindow> ui_;
+    StoredControls stored_;
     QTimer stateTimer_;
 };
 

@@ -5,12 +5,9 @@
 #include "base/SystemLog.h"
 #include "ui_WaterfallWindow.h"
 #include "widgets/FilePanels.h"
-#include "widgets/PopUp.h"
 #include "widgets/Preferences.h"
 
 #include <QDateTime>
-#include <QFileInfo>
-#include <QSaveFile>
 #include <QTimer>
 
 #include <algorithm>
@@ -21,10 +18,10 @@ namespace sonotrace {
 namespace {
 
 constexpr auto kRelaxed = std::memory_order_relaxed;
-constexpr auto kFrameKey = "WATERFALL_WINDOW_FRAME";
+constexpr auto kMaxDbKey = "WATERFALL_maxDB";
+constexpr auto kMinDbKey = "WATERFALL_minDB";
 const QSize kDefaultSize(960, 700);
 constexpr int kMeterInterval = 50; // ms
-constexpr int kTicksPerState = 10;
 constexpr int kLeastStoredLog2 = 7;
 constexpr int kMenuSizes = 12;
 
@@ -41,6 +38,7 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
     : system_(system),
       preferences_(preferences),
       ui_(std::make_unique<Ui::WaterfallWindow>()),
+      stored_(preferences, window_, "WATERFALL_WINDOW_FRAME"),
       image_(std::make_unique<WaterfallImage>(parameters_)),
       measurement_(parameters_) {
     systemLog("- (void)init");
@@ -70,71 +68,77 @@ WaterfallController::~WaterfallController() {
 }
 
 void WaterfallController::awakeFromNib() {
-    preferences_.restoreFrame(window_, kFrameKey);
-    restoreSettings();
     ui_->mainView->setModel(*image_);
     image_->myinit();
-    fillProvisionalSizes();
+    fillMenus();
     source_->GetSoundDevices();
     source_->SetSoundDevices();
-    selectItem(*ui_->inputPopup, preferences_.integerValue("WATERFALL_inputPopup"));
+    listStoredControls();
+    stored_.restore();
+    setMissingPairs();
+    // Independent of the requested size, which the transform adopts with its first line.
+    parameters_.waterfallFftLen.store(ui_->fftSizePopup->currentText().toDouble(), kRelaxed);
+    parameters_.waterfallWindowType.store(ui_->windowPopup->currentIndex(), kRelaxed);
     source_->startSound();
     connectControls();
-    fillMenus();
     hideSpareControls();
-    restoreScale();
 }
 
-void WaterfallController::restoreSettings() {
-    float end = preferences_.floatValue("waterfallEndingFreq");
-    float gain = preferences_.floatValue("waterfallGain");
-    std::int32_t speedup = std::max(preferences_.integerValue("waterfallSpeedup"), 1);
-    if (end == 0.0F && gain == 0.0F) {
-        end = 5000.0F;
-        gain = 1.0F;
-        speedup = 1;
+void WaterfallController::listStoredControls() {
+    stored_.add("waterfallStartingFreq", *ui_->startFreqText, alsoInto(parameters_.waterfallStartFreq));
+    stored_.add("waterfallEndingFreq", *ui_->endFreqText, alsoInto(parameters_.waterfallEndFreq));
+    stored_.add("waterfallGain", *ui_->gainText, alsoInto(parameters_.waterfallGain));
+    stored_.add("waterfallReceiverkHz", *ui_->receiverKHzText, alsoInto(parameters_.waterfallReceiverkHz));
+    const auto setSpeedup = [this](std::int32_t stored) {
+        parameters_.waterfallSpeedup.store(std::max(stored, 1), kRelaxed);
+        ui_->speedupText->setDoubleValue(std::max(stored, 1));
+    };
+    stored_.addInteger("waterfallSpeedup", setSpeedup, [this] { return ui_->speedupText->integerValue(); });
+    const auto setSize = [this](std::int32_t stored) {
+        parameters_.fftSizeLog2.store(std::max(stored, kLeastStoredLog2), kRelaxed);
+    };
+    stored_.addInteger("fftSizeLog2", setSize, [this] { return parameters_.fftSizeLog2.load(kRelaxed); });
+    const auto setColor = [this](std::int32_t stored) {
+        parameters_.colorWaterfallPlot.store(stored, kRelaxed);
+        ui_->colorButton->setChecked(stored != 0);
+    };
+    stored_.addInteger("colorWaterfallPlot", setColor,
+                       [this] { return parameters_.colorWaterfallPlot.load(kRelaxed); });
+    stored_.add("WATERFALL_inputPopup", *ui_->inputPopup);
+    stored_.add("WATERFALL_fftSizePopup", *ui_->fftSizePopup);
+    stored_.add("WATERFALL_windowPopup", *ui_->windowPopup);
+    stored_.addVolume("soundInputVolume", *ui_->soundInputVolume2);
+    const auto level = [this](const char* key, RealSlider& slider) {
+        const auto restore = [&slider](double stored) { slider.setDoubleValue(static_cast<float>(stored)); };
+        stored_.addDouble(key, restore, [&slider] { return slider.doubleValue(); });
+    };
+    level(kMaxDbKey, *ui_->maxDbSlider);
+    level(kMinDbKey, *ui_->minDbSlider);
+}
+
+/// Where both values of a pair are 0, the store has never held them.
+void WaterfallController::setMissingPairs() {
+    if (parameters_.waterfallEndFreq.load(kRelaxed) == 0.0 &&
+        parameters_.waterfallGain.load(kRelaxed) == 0.0) {
+        parameters_.waterfallEndFreq.store(5000.0, kRelaxed);
+        parameters_.waterfallGain.store(1.0, kRelaxed);
+        parameters_.waterfallSpeedup.store(1, kRelaxed);
+        ui_->endFreqText->setDoubleValue(5000.0);
+        ui_->gainText->setDoubleValue(1.0);
+        ui_->speedupText->setDoubleValue(1.0);
     }
-    const float start = preferences_.floatValue("waterfallStartingFreq");
-    const float receiver = preferences_.floatValue("waterfallReceiverkHz");
-    parameters_.waterfallStartFreq.store(start, kRelaxed);
-    parameters_.waterfallEndFreq.store(end, kRelaxed);
-    parameters_.waterfallGain.store(gain, kRelaxed);
-    parameters_.waterfallSpeedup.store(speedup, kRelaxed);
-    parameters_.waterfallReceiverkHz.store(receiver, kRelaxed);
-    parameters_.fftSizeLog2.store(std::max(preferences_.integerValue("fftSizeLog2"), kLeastStoredLog2),
-                                  kRelaxed);
-    parameters_.colorWaterfallPlot.store(preferences_.integerValue("colorWaterfallPlot"), kRelaxed);
-
-    ui_->colorButton->setChecked(parameters_.colorWaterfallPlot.load(kRelaxed) != 0);
-    ui_->startFreqText->setFloatValue(start);
-    ui_->endFreqText->setFloatValue(end);
-    ui_->gainText->setFloatValue(gain);
-    ui_->speedupText->setDoubleValue(speedup);
-    ui_->receiverKHzText->setFloatValue(receiver);
-    ui_->soundInputVolume2->setDoubleValue(truncateToInt32(preferences_.doubleValue("soundInputVolume")));
-}
-
-/// What the menu shows until its own entries are in, which is when the stream has started.
-void WaterfallController::fillProvisionalSizes() {
-    ui_->fftSizePopup->clear();
-    for (int i = 0; i < kMenuSizes; ++i)
-        ui_->fftSizePopup->addItem(QString::number(128 << i));
-    selectItem(*ui_->fftSizePopup, parameters_.fftSizeLog2.load(kRelaxed) - kLeastStoredLog2);
+    // Not from the sliders, which pin what they are given.
+    if (preferences_.floatValue(kMaxDbKey) == 0.0F && preferences_.floatValue(kMinDbKey) == 0.0F) {
+        ui_->maxDbSlider->setDoubleValue(75.0);
+        ui_->minDbSlider->setDoubleValue(25.0);
+    }
 }
 
 void WaterfallController::fillMenus() {
-    ui_->fftSizePopup->clear();
     for (int i = 0; i < kMenuSizes; ++i)
         ui_->fftSizePopup->addItem(QString::number(64 << i));
-    selectItem(*ui_->fftSizePopup, preferences_.integerValue("WATERFALL_fftSizePopup"));
-    // Independent of the requested size, which the transform adopts with its first line.
-    parameters_.waterfallFftLen.store(ui_->fftSizePopup->currentText().toDouble(), kRelaxed);
-
-    ui_->windowPopup->clear();
     for (const char* title : kFftWindowTitles)
-        ui_->windowPopup->addItem(QString::fromLatin1(title));
-    selectItem(*ui_->windowPopup, preferences_.integerValue("WATERFALL_windowPopup"));
-    parameters_.waterfallWindowType.store(ui_->windowPopup->currentIndex(), kRelaxed);
+        ui_->windowPopup->addItem(title);
 }
 
 void WaterfallController::hideSpareControls() {
@@ -144,17 +148,6 @@ void WaterfallController::hideSpareControls() {
              ui_->playthruButton, ui_->mouseHzText,
              ui_->signalKHzText}) // nothing is ever written into the last two
         spare->hide();
-}
-
-void WaterfallController::restoreScale() {
-    float ceiling = preferences_.floatValue("WATERFALL_maxDB");
-    float floor = preferences_.floatValue("WATERFALL_minDB");
-    if (ceiling == 0.0F && floor == 0.0F) {
-        ceiling = 75.0F;
-        floor = 25.0F;
-    }
-    ui_->maxDbSlider->setDoubleValue(ceiling);
-    ui_->minDbSlider->setDoubleValue(floor);
 }
 
 void WaterfallController::connectControls() {
@@ -205,8 +198,6 @@ void WaterfallController::updateBargraph() {
     image_->writeLineLog();
     if (redrawAsked_.exchange(0, kRelaxed) != 0)
         ui_->mainView->update();
-    if (++ticks_ % kTicksPerState == 0)
-        source_->showState();
 }
 
 void WaterfallController::doFFTSize() {
@@ -270,35 +261,13 @@ void WaterfallController::doUploadButton() {
 }
 
 void WaterfallController::menuSaveWaterfallPicture() {
-    const auto path = askForFileToSave(&window_, tr("Choose file to save the picture to"),
-                                       tr("PNG pictures (*.png)"), "png");
-    if (!path)
-        return;
-    QSaveFile file(*path);
-    const QByteArray picture = ui_->mainView->ReturnPNG();
-    const bool written =
-        file.open(QIODevice::WriteOnly) && file.write(picture) == picture.size() && file.commit();
-    const QString name = QFileInfo(*path).fileName();
-    source_->showNotice(written ? tr("Picture saved to %1").arg(name)
-                                : tr("%1 cannot be written: %2").arg(name, file.errorString()));
+    if (const auto path =
+            askForFileToSave(&window_, "Choose file to save the picture to", "PNG pictures (*.png)", "png"))
+        source_->showNotice(writeFile(*path, ui_->mainView->ReturnPNG(), "Picture saved to %1"));
 }
 
 void WaterfallController::applicationWillTerminate() {
-    preferences_.setFloat("waterfallStartingFreq", ui_->startFreqText->doubleValue());
-    preferences_.setFloat("waterfallEndingFreq", ui_->endFreqText->doubleValue());
-    preferences_.setFloat("waterfallGain", ui_->gainText->doubleValue());
-    preferences_.setInteger("waterfallSpeedup", ui_->speedupText->integerValue());
-    preferences_.setFloat("waterfallReceiverkHz", ui_->receiverKHzText->doubleValue());
-    preferences_.setInteger("fftSizeLog2", parameters_.fftSizeLog2.load(kRelaxed));
-    preferences_.setInteger("WATERFALL_inputPopup", ui_->inputPopup->currentIndex());
-    preferences_.setInteger("WATERFALL_fftSizePopup", ui_->fftSizePopup->currentIndex());
-    preferences_.setInteger("WATERFALL_windowPopup", ui_->windowPopup->currentIndex());
-    preferences_.setDouble("soundInputVolume", ui_->soundInputVolume2->integerValue());
-    preferences_.setDouble("WATERFALL_maxDB", ui_->maxDbSlider->doubleValue());
-    preferences_.setDouble("WATERFALL_minDB", ui_->minDbSlider->doubleValue());
-    preferences_.setInteger("colorWaterfallPlot", parameters_.colorWaterfallPlot.load(kRelaxed));
-    preferences_.setFrame(window_, kFrameKey);
-    preferences_.synchronise();
+    stored_.store();
 }
 
 } // namespace sonotrace

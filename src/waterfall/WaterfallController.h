@@ -5,6 +5,7 @@
 #include "waterfall/WaterfallMeasurement.h"
 #include "waterfall/WaterfallParameters.h"
 #include "widgets/InputSource.h"
+#include "widgets/StoredControls.h"
 
 #include <QObject>
 #include <QWidget>
@@ -18,8 +19,6 @@ class WaterfallWindow;
 }
 
 namespace sonotrace {
-
-class Preferences;
 
 /// The waterfall's window: restores and stores its controls, hands their values to the analysis, shows
 /// measurements, and runs the input stream from the moment it is made until the program ends. Window thread;
@@ -59,10 +58,9 @@ public Q_SLOTS:
     void menuSaveWaterfallPicture();
 
 private:
-    void restoreSettings();
-    void fillProvisionalSizes();
+    void listStoredControls();
+    void setMissingPairs();
     void fillMenus();
-    void restoreScale();
     void hideSpareControls();
     void connectControls();
     void capture(std::span<const std::int16_t> interleaved);
@@ -73,13 +71,13 @@ private:
     Preferences& preferences_;
     QWidget window_;
     const std::unique_ptr<Ui::WaterfallWindow> ui_;
+    StoredControls stored_;
     WaterfallParameters parameters_;
     const std::unique_ptr<WaterfallImage> image_; ///< several megabytes
     std::optional<WaterfallAnalysis> analysis_;
     WaterfallMeasurement measurement_;
     std::atomic<std::int32_t> redrawAsked_{0}; ///< by the capture thread, and not yet heard
     std::unique_ptr<InputSource> source_;
-    int ticks_ = 0;
 };
 
 } // namespace sonotrace

@@ -1,6 +1,9 @@
 #include "widgets/FilePanels.h"
 
+#include <QByteArray>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QSaveFile>
 
 namespace sonotrace {
 
@@ -30,6 +33,14 @@ std::optional<QString> askForFileToSave(QWidget* parent, const QString& message,
         panel.setNameFilter(filter);
     panel.setDefaultSuffix(suffix);
     return run(panel);
+}
+
+QString writeFile(const QString& path, const QByteArray& content, const QString& done) {
+    QSaveFile file(path);
+    const bool written =
+        file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+    const QString name = QFileInfo(path).fileName();
+    return written ? done.arg(name) : QString("%1 cannot be written: %2").arg(name, file.errorString());
 }
 
 } // namespace sonotrace

@@ -4,6 +4,7 @@
 
 #include <optional>
 
+class QByteArray;
 class QWidget;
 
 namespace sonotrace {
@@ -14,5 +15,9 @@ std::optional<QString> askForFileToOpen(QWidget* parent, const QString& message)
 /// `filter` and `suffix` may be empty; a name typed without an extension gets the suffix.
 std::optional<QString> askForFileToSave(QWidget* parent, const QString& message, const QString& filter = {},
                                         const QString& suffix = {});
+
+/// Replaces a file as a whole. Gives what to tell the user: `done` with the file's name in it, or what went
+/// wrong.
+QString writeFile(const QString& path, const QByteArray& content, const QString& done);
 
 } // namespace sonotrace

@@ -12,8 +12,9 @@
 namespace sonotrace {
 
 namespace {
+constexpr int kStateInterval = 500;  // ms
 constexpr qint64 kNoticeTime = 4000; // ms
-}
+} // namespace
 
 InputSource::InputSource(SoundSystem& system, AudioDeviceTable::Variant devices,
                          const CaptureVariant& variant, const InputControls& controls,
@@ -27,6 +28,7 @@ InputSource::InputSource(SoundSystem& system, AudioDeviceTable::Variant devices,
     // `activated`, not a change of index: filling the pop-up is not the user choosing a device.
     connect(controls_.inputPopup, &QComboBox::activated, this, &InputSource::doInputDevice);
     connect(controls_.soundInputVolume2, &RealSlider::valueEdited, this, &InputSource::setSoundInputVolume);
+    connect(&stateTimer_, &QTimer::timeout, this, &InputSource::showState);
 }
 
 void InputSource::GetSoundDevices() {
@@ -44,6 +46,7 @@ void InputSource::startSound() {
     SetInputGainSliderVisibility();
     SetInputGain(sliderGain());
     showState();
+    stateTimer_.start(kStateInterval);
 }
 
 void InputSource::doInputDevice() {
@@ -83,8 +86,7 @@ void InputSource::showState() {
     if (notice_.isValid() && !notice_.hasExpired(kNoticeTime))
         return;
     notice_.invalidate();
-    say(controls_.inputPopup->count() == 0 ? tr("There is no input device")
-                                           : describeStream(stream_.state()));
+    say(controls_.inputPopup->count() == 0 ? "There is no input device" : describeStream(stream_.state()));
 }
 
 void InputSource::showNotice(const QString& text) {

@@ -6,6 +6,7 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QTimer>
 
 class QComboBox;
 class QLabel;
@@ -21,8 +22,8 @@ struct InputControls {
     QLabel* inputStatus;           ///< what is being listened to, or what is wrong
 };
 
-/// What the three input tools share: the device table and its pop-up, the input volume, the capture stream.
-/// Window thread.
+/// What the three input tools share: the device table and its pop-up, the input volume, the capture stream,
+/// and the line that says what is listened to. Window thread.
 class InputSource : public QObject {
     Q_OBJECT
 
@@ -41,10 +42,8 @@ public:
     /// Peak level of the first channel, 0 to 1.
     float peakLevel() { return stream_.peakLevel(); }
 
-    /// Says in the window what is listened to. To be called a few times a second.
-    void showState();
-
-    /// Says something else in its place, for a few seconds or until another device is chosen.
+    /// Says something in the place of what is listened to, for a few seconds or until another device is
+    /// chosen.
     void showNotice(const QString& text);
 
     const AudioDeviceTable& devices() const { return devices_; }
@@ -57,6 +56,7 @@ Q_SIGNALS:
 
 private:
     void doInputDevice();
+    void showState();
     void say(const QString& text);
     void setSoundInputVolume();
     void SetInputGainSliderVisibility();
@@ -69,6 +69,7 @@ private:
     AudioDeviceTable devices_;
     InputGain gain_;
     CaptureStream stream_;
+    QTimer stateTimer_;    ///< refreshes that line
     QElapsedTimer notice_; ///< since it is shown; not valid while there is none
 };
 

@@ -17,8 +17,7 @@ const QColor kTooLoud(0xda, 0x36, 0x33);
 
 QString readout(double peak) {
     const double decibels = decibelsOfPeak(peak);
-    return decibels < kLevelScaleFloor ? QStringLiteral("−∞ dB")
-                                       : QStringLiteral("%1 dB").arg(decibels, 0, 'f', 1);
+    return decibels < kLevelScaleFloor ? "−∞ dB" : QString("%1 dB").arg(decibels, 0, 'f', 1);
 }
 
 } // namespace
@@ -31,23 +30,23 @@ void LevelIndicator::setDoubleValue(double value) {
     if (value == value_)
         return;
     value_ = value;
-    setAccessibleDescription(tr("Input level, %1").arg(readout(value_)));
+    setAccessibleDescription(QString("Input level, %1").arg(readout(value_)));
     update();
 }
 
 QSize LevelIndicator::sizeHint() const {
     const QFontMetrics metrics = fontMetrics();
-    return {metrics.horizontalAdvance(QStringLiteral("-00.0 dB")) * 3, metrics.height() + 4};
+    return {metrics.horizontalAdvance("-00.0 dB") * 3, metrics.height() + 4};
 }
 
 QSize LevelIndicator::minimumSizeHint() const {
     const QFontMetrics metrics = fontMetrics();
-    return {metrics.horizontalAdvance(QStringLiteral("-00.0 dB")) * 2, metrics.height() + 4};
+    return {metrics.horizontalAdvance("-00.0 dB") * 2, metrics.height() + 4};
 }
 
 void LevelIndicator::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const int textWidth = fontMetrics().horizontalAdvance(QStringLiteral("-00.0 dB ")) + 4;
+    const int textWidth = fontMetrics().horizontalAdvance("-00.0 dB ") + 4;
     const QRectF bar(0.5, 2.5, std::max(1, width() - textWidth) - 1, height() - 5);
     painter.fillRect(bar, palette().color(QPalette::Base));
 

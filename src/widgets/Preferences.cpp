@@ -34,7 +34,7 @@ Preferences::Preferences(const QString& path) : store_(path, QSettings::IniForma
 
 QString Preferences::defaultPath() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           QStringLiteral("/Sonotrace/Sonotrace.conf");
+           "/Sonotrace/Sonotrace.conf";
 }
 
 double Preferences::doubleValue(const QString& key) const {
@@ -47,10 +47,6 @@ float Preferences::floatValue(const QString& key) const {
 
 std::int32_t Preferences::integerValue(const QString& key) const {
     return truncateToInt32(doubleValue(key));
-}
-
-bool Preferences::booleanValue(const QString& key) const {
-    return integerValue(key) != 0;
 }
 
 void Preferences::setFloat(const QString& key, double value) {
@@ -89,11 +85,10 @@ void Preferences::setFrame(const QWidget& window, const QString& key) {
     const QSize size = window.isMaximized() ? window.normalGeometry().size() : window.size();
     QPoint corner = window.isMaximized() ? window.normalGeometry().topLeft() : window.pos();
     // Wayland does not say where a window is; what another session has stored is worth keeping.
-    if (QGuiApplication::platformName().startsWith(QLatin1String("wayland")))
+    if (QGuiApplication::platformName().startsWith("wayland"))
         corner = frame(key).topLeft();
     store_.setValue(
-        key,
-        QStringLiteral("%1 %2 %3 %4").arg(corner.x()).arg(corner.y()).arg(size.width()).arg(size.height()));
+        key, QString("%1 %2 %3 %4").arg(corner.x()).arg(corner.y()).arg(size.width()).arg(size.height()));
 }
 
 bool Preferences::synchronise() {

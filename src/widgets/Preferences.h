@@ -21,7 +21,6 @@ public:
     float floatValue(const QString& key) const;
     double doubleValue(const QString& key) const;
     std::int32_t integerValue(const QString& key) const;
-    bool booleanValue(const QString& key) const;
 
     void setFloat(const QString& key, double value); ///< narrowed to single precision
     void setDouble(const QString& key, double value);

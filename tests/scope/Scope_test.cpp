@@ -26,26 +26,9 @@ Signal constant(int level) {
     return [level](int) { return level; };
 }
 
-/// Controls that tests set, per channel. The signal is shown as captured.
-struct Controls : ScopeControls {
-    std::array<double, 2> range{1, 1};
-    std::array<double, 2> offset{};
-    std::array<double, 2> trigger{};
-    std::array<bool, 2> polarity{};
-    std::array<bool, 2> invert{true, true};
-    double sweep = 10;
-
-    double getRange(std::int32_t ch) const override { return range[ch == 0 ? 0 : 1]; }
-    double getOffset(std::int32_t ch) const override { return offset[ch == 0 ? 0 : 1]; }
-    double getTrigger(std::int32_t ch) const override { return trigger[ch == 0 ? 0 : 1]; }
-    bool getTriggerPolarity(std::int32_t ch) const override { return polarity[ch == 0 ? 0 : 1]; }
-    bool getInvert(std::int32_t ch) const override { return invert[ch == 0 ? 0 : 1]; }
-    double getSweep() const override { return sweep; }
-};
-
 struct Scope {
     int blocks = 0;
-    Controls controls;
+    ScopeControls controls{.invert = {true, true}}; // shown as captured
     ScopeCapture capture{controls, [this] { ++blocks; }};
     ScopeTrace trace;
 
