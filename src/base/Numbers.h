@@ -13,13 +13,6 @@ constexpr std::int32_t truncateToInt32(double value) {
     return std::numeric_limits<std::int32_t>::min();
 }
 
-/// The same for 64 bits.
-constexpr std::int64_t truncateToInt64(double value) {
-    if (value >= -9223372036854775808.0 && value < 9223372036854775808.0)
-        return static_cast<std::int64_t>(value);
-    return std::numeric_limits<std::int64_t>::min();
-}
-
 /// The low 16 bits of an integer as a sample: sums that leave the sample range wrap around.
 constexpr std::int16_t wrapToSample(std::int32_t value) {
     return static_cast<std::int16_t>(static_cast<std::uint16_t>(static_cast<std::uint32_t>(value)));

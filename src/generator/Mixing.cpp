@@ -6,9 +6,9 @@
 #include <cmath>
 
 // The inner loops are written for the compiler's vectoriser, for which a conversion may have no condition
-// around it. So each has two versions: one for gains under which no conversion can leave 32 bits, and a
-// careful one. Where the loader can choose by processor, it gets a version with wider vectors; the bits are
-// the same.
+// around it: a number that does not fit is exchanged for one that does, and then all are converted. `tame`
+// says that all fit, and the compiler makes a loop without the question of it. Where the loader can choose by
+// processor, it gets a version with wider vectors; the bits are the same.
 #if defined(__x86_64__) && !defined(__SANITIZE_THREAD__) && !defined(__SANITIZE_ADDRESS__)
 #define SONOTRACE_WIDE_VECTORS [[gnu::target_clones("avx2", "default")]]
 #else
@@ -19,6 +19,8 @@ namespace sonotrace {
 
 namespace {
 
+constexpr double k2To31 = 2147483648.0;
+constexpr double k2To63 = 9223372036854775808.0;
 constexpr double kTameGain = 1000.0; // x a million is within 32 bits
 
 bool isTame(StereoGain gain) {
@@ -41,28 +43,26 @@ SONOTRACE_WIDE_VECTORS void spreadIntegers(double* contributions, const std::int
     }
 }
 
-SONOTRACE_WIDE_VECTORS void addTame(std::int16_t* samples, const double* contributions, std::size_t count) {
+/// Adds as addToSample() does.
+SONOTRACE_WIDE_VECTORS void add(std::int16_t* samples, const double* contributions, std::size_t count,
+                                bool tame) {
     for (std::size_t i = 0; i < count; ++i) {
         const double sum = static_cast<double>(samples[i]) + contributions[i];
-        samples[i] = wrapToSample(static_cast<std::int32_t>(sum));
+        const bool fits = tame || std::abs(sum) < k2To31;
+        samples[i] = wrapToSample(static_cast<std::int32_t>(fits ? sum : -k2To31));
     }
 }
 
-SONOTRACE_WIDE_VECTORS void addClampedTame(std::int16_t* samples, const double* contributions,
-                                           std::size_t count) {
+/// What lies beyond 64 bits, and NaN, counts as the lowest number whatever its sign.
+SONOTRACE_WIDE_VECTORS void addClamped(std::int16_t* samples, const double* contributions, std::size_t count,
+                                       bool tame) {
     for (std::size_t i = 0; i < count; ++i) {
-        const auto integer = static_cast<std::int32_t>(contributions[i] * 32768.0);
+        const double value = contributions[i] * 32768.0;
+        const double limit = value > 0.0 && value < k2To63 ? 32767.0 : -32767.0;
+        const bool fits = tame || std::abs(value) < k2To31;
+        const auto integer = static_cast<std::int32_t>(fits ? value : limit);
         samples[i] = wrapToSample(samples[i] + std::clamp(integer, -32767, 32767));
     }
-}
-
-void addContributions(std::span<std::int16_t> samples, const double* contributions, bool tame) {
-    if (tame) {
-        addTame(samples.data(), contributions, samples.size());
-        return;
-    }
-    for (std::size_t i = 0; i < samples.size(); ++i)
-        samples[i] = addToSample(samples[i], contributions[i]);
 }
 
 } // namespace
@@ -70,27 +70,19 @@ void addContributions(std::span<std::int16_t> samples, const double* contributio
 void mixMono(std::span<std::int16_t> interleaved, std::span<const double> values, StereoGain gain) {
     double contributions[2 * kMixFrames];
     spread(contributions, values.data(), values.size(), gain.left, gain.right);
-    addContributions(interleaved, contributions, isTame(gain));
+    add(interleaved.data(), contributions, interleaved.size(), isTame(gain));
 }
 
 void mixStereo(std::span<std::int16_t> interleaved, std::span<const std::int32_t> values, StereoGain gain) {
     double contributions[2 * kMixFrames];
     spreadIntegers(contributions, values.data(), values.size() / 2, gain.left, gain.right);
-    addContributions(interleaved, contributions, isTame(gain));
+    add(interleaved.data(), contributions, interleaved.size(), isTame(gain));
 }
 
 void mixClamped(std::span<std::int16_t> interleaved, std::span<const double> values, StereoGain gain) {
     double contributions[2 * kMixFrames];
     spread(contributions, values.data(), values.size(), gain.left, gain.right);
-    if (isTame(gain)) {
-        addClampedTame(interleaved.data(), contributions, interleaved.size());
-        return;
-    }
-    for (std::size_t i = 0; i < interleaved.size(); ++i) {
-        const std::int64_t integer = truncateToInt64(contributions[i] * 32768.0);
-        const auto clamped = static_cast<std::int32_t>(std::clamp<std::int64_t>(integer, -32767, 32767));
-        interleaved[i] = wrapToSample(interleaved[i] + clamped);
-    }
+    addClamped(interleaved.data(), contributions, interleaved.size(), isTame(gain));
 }
 
 void negate(std::span<std::int16_t> samples) {
