@@ -31,11 +31,9 @@ private:
 inline DeviceDescription device(AudioDeviceID id, const std::string& name, std::uint32_t outputs,
                                 std::uint32_t inputs) {
     DeviceDescription description{
-        .id = id, .name = name, .uid = "uid-" + name, .outputStreams = {{}}, .inputStreams = {{}}};
-    if (outputs > 0)
-        description.outputStreams->push_back(outputs);
-    if (inputs > 0)
-        description.inputStreams->push_back(inputs);
+        .id = id, .name = name, .uid = "uid-" + name, .outputStreams = {}, .inputStreams = {}};
+    description.outputStreams.emplace(outputs > 0 ? 1 : 0, outputs);
+    description.inputStreams.emplace(inputs > 0 ? 1 : 0, inputs);
     return description;
 }
 
