@@ -2,6 +2,7 @@
 
 #include "app/StatusLine.h"
 #include "generator/GeneratorPanel.h"
+#include "widgets/Introduce.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>
@@ -16,13 +17,6 @@
 namespace sonotrace {
 
 namespace {
-
-void introduce(QWidget& control, const char* name, const QString& title, const QString& tip) {
-    control.setObjectName(name);
-    control.setAccessibleName(title);
-    control.setAccessibleDescription(tip);
-    control.setToolTip(tip);
-}
 
 /// The panel's coordinates are fixed, so on a small screen it scrolls.
 QScrollArea* scrolled(GeneratorPanel* panel) {

@@ -4,10 +4,8 @@
 #include "generator/GeneratorBank.h"
 #include "widgets/Preferences.h"
 
-#include <QAction>
 #include <QApplication>
 #include <QFileInfo>
-#include <QMainWindow>
 #include <QPixmap>
 #include <QTimer>
 #include <QWidget>
@@ -94,11 +92,10 @@ void PictureTour::openWindows() {
     const QString recording = folder_.filePath("tone.wav");
     if (!control_.startRecording(recording))
         report(recording, false);
-    for (const char* name : {"menuSweep", "menuSpectrum", "menuWaterfall", "menuWScope"}) {
-        auto* item = control_.window().findChild<QAction*>(name);
-        if (item && item->isEnabled())
-            item->trigger();
-    }
+    control_.menuSweep();
+    control_.menuSpectrum();
+    control_.menuWaterfall();
+    control_.menuWScope();
 }
 
 void PictureTour::finish() {

@@ -3,6 +3,7 @@
 #include "base/Numbers.h"
 #include "base/SystemLog.h"
 #include "generator/Waveforms.h"
+#include "widgets/Introduce.h"
 #include "widgets/NumberField.h"
 #include "widgets/PopUp.h"
 #include "widgets/RealSlider.h"
@@ -40,15 +41,13 @@ QString percent(double volume) {
     return QString::number(truncateToInt32(volume * 100.0));
 }
 
-/// Names, tags and describes a control of row `slot`.
-void introduce(QWidget& control, const char* name, int slot, int tag, const QString& title,
-               const QString& tip) {
-    control.setObjectName(name + QString::number(slot));
+/// Introduces a control of row `slot` and tags it.
+void introduceInRow(QWidget& control, const char* name, int slot, int tag, const QString& title,
+                    const QString& tip) {
+    introduce(control, name + QString::number(slot), QString("Generator %1 %2").arg(slot + 1).arg(title),
+              tip);
     if (tag != 0)
         control.setProperty("tag", tag);
-    control.setAccessibleName(QString("Generator %1 %2").arg(slot + 1).arg(title));
-    control.setAccessibleDescription(tip);
-    control.setToolTip(tip);
 }
 
 } // namespace
@@ -79,27 +78,30 @@ void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
     controls.enabled = new QCheckBox(this);
     controls.enabled->setGeometry(14, y, 40, 20);
     controls.enabled->setChecked(settings.enabled > 0);
-    introduce(*controls.enabled, "enabled", slot, kEnabledTag + slot, "on",
-              "Switches the generator on. All generators that are on share the full scale between them.");
+    introduceInRow(
+        *controls.enabled, "enabled", slot, kEnabledTag + slot, "on",
+        "Switches the generator on. All generators that are on share the full scale between them.");
 
     controls.waveform = new QComboBox(this);
     controls.waveform->setGeometry(64, y, 110, 25);
     setItems(*controls.waveform, waveformTitles());
     selectItem(*controls.waveform, settings.waveform);
-    introduce(*controls.waveform, "waveform", slot, kWaveformTag + slot, "waveform", "Shape of the signal");
+    introduceInRow(*controls.waveform, "waveform", slot, kWaveformTag + slot, "waveform",
+                   "Shape of the signal");
 
     controls.frequency = new NumberField(this);
     controls.frequency->setGeometry(200, y, 85, 20);
     controls.frequency->setAlignment(Qt::AlignLeft);
     controls.frequency->setText(fixedPoint(settings.frequency));
-    introduce(*controls.frequency, "frequency", slot, kFrequencyTag + slot, "frequency",
-              "Frequency in Hz, 0.1 to 22000");
+    introduceInRow(*controls.frequency, "frequency", slot, kFrequencyTag + slot, "frequency",
+                   "Frequency in Hz, 0.1 to 22000");
 
     controls.phase = new NumberField(this);
     controls.phase->setGeometry(300, y, 85, 20);
     controls.phase->setAlignment(Qt::AlignLeft);
     controls.phase->setText(fixedPoint(settings.phase));
-    introduce(*controls.phase, "phase", slot, kPhaseTag + slot, "phase", "Phase in degrees, -360 to 360");
+    introduceInRow(*controls.phase, "phase", slot, kPhaseTag + slot, "phase",
+                   "Phase in degrees, -360 to 360");
 
     controls.volumeLeft =
         volumeSlider(slot, "volumeLeft", kVolumeLeftTag + slot, 400, "left", settings.volumeLeft);
@@ -114,8 +116,8 @@ RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, in
     auto* slider = new RealSlider(this);
     slider->setGeometry(x, rowY(slot), 125, 25);
     slider->setDoubleValue(volume);
-    introduce(*slider, name, slot, tag, QString("%1 volume").arg(channel),
-              QString("Volume of the %1 channel, 0 to 100 % of the generator's share").arg(channel));
+    introduceInRow(*slider, name, slot, tag, QString("%1 volume").arg(channel),
+                   QString("Volume of the %1 channel, 0 to 100 % of the generator's share").arg(channel));
     connect(slider, &RealSlider::valueEdited, this, [this, slider] { volSliderEvent(*slider); });
     return slider;
 }
@@ -123,8 +125,8 @@ RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, in
 QLabel* GeneratorPanel::readout(int slot, const char* name, int x, const QString& channel, double volume) {
     auto* label = new QLabel(percent(volume), this);
     label->setGeometry(x, rowY(slot) + 3, 40, 20);
-    introduce(*label, name, slot, 0, QString("%1 volume in per cent").arg(channel),
-              QString("Volume of the %1 channel in per cent").arg(channel));
+    introduceInRow(*label, name, slot, 0, QString("%1 volume in per cent").arg(channel),
+                   QString("Volume of the %1 channel in per cent").arg(channel));
     return label;
 }
 
@@ -183,12 +185,8 @@ void GeneratorPanel::setSlot(int slot, const GeneratorSettings& settings) {
 
 GeneratorSettings GeneratorPanel::slotSettings(int slot) const {
     GeneratorSettings settings = bank_.slots[static_cast<std::size_t>(slot)].load();
-    settings.enabled = isEnabled(slot) ? 1 : 0;
+    settings.enabled = row(slot).enabled->isChecked() ? 1 : 0;
     return settings;
-}
-
-bool GeneratorPanel::isEnabled(int slot) const {
-    return row(slot).enabled->isChecked();
 }
 
 } // namespace sonotrace

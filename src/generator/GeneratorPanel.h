@@ -39,8 +39,6 @@ public:
     /// The bank's settings of a slot, its enabled flag from the check box.
     GeneratorSettings slotSettings(int slot) const;
 
-    bool isEnabled(int slot) const;
-
 private:
     struct Row {
         QCheckBox* enabled;

@@ -1,14 +1,11 @@
 #include "scope/ScopeController.h"
 
-#include "base/SystemLog.h"
 #include "ui_ScopeWindow.h"
 #include "widgets/RealSlider.h"
 
 namespace sonotrace {
 
 namespace {
-
-const QSize kDefaultSize(960, 640);
 
 // What the sliders are set to when nothing is stored: far outside their ranges, so that they stand at their
 // ends.
@@ -23,18 +20,12 @@ auto storedOr(float fallback) {
 } // namespace
 
 ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferences& preferences)
-    : ui_(std::make_unique<Ui::ScopeWindow>()),
-      stored_(preferences, window_, "SCOPE_WINDOW_FRAME"),
+    : ToolController(preferences, "SCOPE_WINDOW_FRAME"),
+      ui_(std::make_unique<Ui::ScopeWindow>()),
       capture_(controls_, [this] { ui_->mainView->update(); }) {
-    systemLog("- (void)init");
     ui_->setupUi(&window_);
-    window_.setAttribute(Qt::WA_QuitOnClose, false);
-    window_.resize(kDefaultSize);
-    // The layout file holds the longest texts: with room for them the sliders do not move while their values
-    // change.
-    for (QLabel* value : {ui_->rangeValue1, ui_->rangeValue2, ui_->offsetValue1, ui_->offsetValue2,
-                          ui_->triggerValue1, ui_->triggerValue2, ui_->sweepValue})
-        value->setMinimumWidth(value->sizeHint().width());
+    keepRoom({ui_->rangeValue1, ui_->rangeValue2, ui_->offsetValue1, ui_->offsetValue2, ui_->triggerValue1,
+              ui_->triggerValue2, ui_->sweepValue});
     const CaptureVariant variant{.streamName = "Scope",
                                  .runLoop = &runLoop,
                                  .printsEnqueue = false,
@@ -46,9 +37,7 @@ ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferen
         [this](std::span<const std::int16_t> interleaved) { capture_.capture(interleaved); });
 }
 
-ScopeController::~ScopeController() {
-    source_->stopSound();
-}
+ScopeController::~ScopeController() = default;
 
 void ScopeController::awakeFromNib() {
     ui_->mainView->setModel(controls_, capture_);
@@ -134,10 +123,6 @@ bool ScopeController::getInvert(std::int32_t ch) const {
 
 double ScopeController::getSweep() const {
     return scopeSweep(ui_->sweepSlider->doubleValue());
-}
-
-void ScopeController::applicationWillTerminate() {
-    stored_.store();
 }
 
 } // namespace sonotrace

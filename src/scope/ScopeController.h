@@ -3,10 +3,7 @@
 #include "scope/ScopeCapture.h"
 #include "scope/ScopeControls.h"
 #include "widgets/InputSource.h"
-#include "widgets/StoredControls.h"
-
-#include <QObject>
-#include <QWidget>
+#include "widgets/ToolController.h"
 
 #include <memory>
 
@@ -18,7 +15,7 @@ namespace sonotrace {
 
 /// The oscilloscope's window: restores and stores its controls, keeps their values for the capture and the
 /// view, and runs the input stream from the moment it is made until the program ends. Window thread.
-class ScopeController : public QObject {
+class ScopeController : public ToolController {
     Q_OBJECT
 
 public:
@@ -29,10 +26,6 @@ public:
     /// Restores the window and starts to listen. Once.
     void awakeFromNib();
 
-    /// Writes the controls into the preferences.
-    void applicationWillTerminate();
-
-    QWidget& window() { return window_; }
     const ScopeControls& controls() const { return controls_; }
     const ScopeCapture& capture() const { return capture_; }
 
@@ -49,9 +42,7 @@ private:
     void takeControls();
     void showValues();
 
-    QWidget window_;
     const std::unique_ptr<Ui::ScopeWindow> ui_;
-    StoredControls stored_;
     ScopeControls controls_;
     ScopeCapture capture_;
     std::unique_ptr<InputSource> source_;

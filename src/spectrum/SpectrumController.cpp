@@ -12,7 +12,6 @@ namespace sonotrace {
 namespace {
 
 constexpr int kMeterInterval = 50; // ms
-const QSize kDefaultSize(960, 620);
 constexpr float kFullBrightness = 1000.0F;
 
 /// The log lines of the frequencies show part of the number's bits, the low half of the double, not the
@@ -24,13 +23,10 @@ int loggedBits(double value) {
 } // namespace
 
 SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Preferences& preferences)
-    : ui_(std::make_unique<Ui::SpectrumWindow>()),
-      stored_(preferences, window_, "SPECTRUM_WINDOW_FRAME"),
+    : ToolController(preferences, "SPECTRUM_WINDOW_FRAME"),
+      ui_(std::make_unique<Ui::SpectrumWindow>()),
       analysis_([this] { ui_->mainView->update(); }) {
-    systemLog("- (void)init");
     ui_->setupUi(&window_);
-    window_.setAttribute(Qt::WA_QuitOnClose, false);
-    window_.resize(kDefaultSize);
     const CaptureVariant variant{.streamName = "Spectrum",
                                  .runLoop = &runLoop,
                                  .printsEnqueue = true,
@@ -42,9 +38,7 @@ SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Pr
         [this](std::span<const std::int16_t> interleaved) { analysis_.capture(interleaved); });
 }
 
-SpectrumController::~SpectrumController() {
-    source_->stopSound();
-}
+SpectrumController::~SpectrumController() = default;
 
 void SpectrumController::awakeFromNib() {
     ui_->mainView->setModel(analysis_, display_);
@@ -153,10 +147,6 @@ void SpectrumController::doInputGain() {
 void SpectrumController::updateBargraph() {
     ui_->volumeLevel->setDoubleValue(static_cast<double>(source_->peakLevel()));
     display_.gridBrightness = static_cast<float>(ui_->gridSlider->doubleValue() * 0.001);
-}
-
-void SpectrumController::applicationWillTerminate() {
-    stored_.store();
 }
 
 } // namespace sonotrace

@@ -3,11 +3,9 @@
 #include "spectrum/SpectrumAnalysis.h"
 #include "spectrum/SpectrumGeometry.h"
 #include "widgets/InputSource.h"
-#include "widgets/StoredControls.h"
+#include "widgets/ToolController.h"
 
-#include <QObject>
 #include <QTimer>
-#include <QWidget>
 
 #include <memory>
 
@@ -19,7 +17,7 @@ namespace sonotrace {
 
 /// The spectrum analyzer's window: restores and stores its controls, hands their values to the analysis and
 /// the view, and runs the input stream from the moment it is made until the program ends. Window thread.
-class SpectrumController : public QObject {
+class SpectrumController : public ToolController {
     Q_OBJECT
 
 public:
@@ -30,10 +28,6 @@ public:
     /// Restores the window and starts to listen. Once.
     void awakeFromNib();
 
-    /// Writes the controls into the preferences.
-    void applicationWillTerminate();
-
-    QWidget& window() { return window_; }
     const SpectrumAnalysis& analysis() const { return analysis_; }
     const SpectrumDisplay& display() const { return display_; }
 
@@ -53,9 +47,7 @@ private:
     void doInputGain();
     void updateBargraph();
 
-    QWidget window_;
     const std::unique_ptr<Ui::SpectrumWindow> ui_;
-    StoredControls stored_;
     SpectrumDisplay display_;
     SpectrumAnalysis analysis_;
     std::unique_ptr<InputSource> source_;

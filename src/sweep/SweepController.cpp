@@ -23,12 +23,10 @@ QString logRateUnit() {
 } // namespace
 
 SweepController::SweepController(SweepParameters& parameters, Preferences& preferences)
-    : parameters_(parameters),
-      ui_(std::make_unique<Ui::SweepWindow>()),
-      stored_(preferences, window_, "SWEEP_WINDOW_FRAME") {
-    systemLog("- (void)init");
+    : ToolController(preferences, "SWEEP_WINDOW_FRAME"),
+      parameters_(parameters),
+      ui_(std::make_unique<Ui::SweepWindow>()) {
     ui_->setupUi(&window_);
-    window_.setAttribute(Qt::WA_QuitOnClose, false);
 }
 
 SweepController::~SweepController() = default;
@@ -52,6 +50,8 @@ void SweepController::listStoredControls() {
     stored_.add("sweepRate", *ui_->rate, alsoInto(parameters_.rate));
     stored_.add("sweepAmplitudeLeft", *ui_->amplitudeLeft, alsoInto(parameters_.amplitudeLeft));
     stored_.add("sweepAmplitudeRight", *ui_->amplitudeRight, alsoInto(parameters_.amplitudeRight));
+    // Stored as the render has them, so that a pass that has ended by itself is not started again by the next
+    // launch.
     const auto toggle = [this](const char* key, QCheckBox& box, std::atomic<std::int32_t>& parameter) {
         const auto restore = [&box, &parameter](std::int32_t stored) {
             box.setChecked(stored != 0);
@@ -88,9 +88,9 @@ void SweepController::connectControls() {
     connect(&stateTimer_, &QTimer::timeout, this, &SweepController::showState);
 }
 
-/// Keeps the per cent beside a slider, at a width that does not change with the digits.
+/// Keeps the per cent beside a slider.
 void SweepController::follow(const RealSlider& slider, QLabel& readout) {
-    readout.setMinimumWidth(readout.fontMetrics().horizontalAdvance("100.0 %"));
+    keepRoom({&readout});
     connect(&slider, &RealSlider::doubleValueChanged, &readout,
             [&readout](double value) { readout.setText(QString("%1 %").arg(value * 100.0, 0, 'f', 1)); });
 }
@@ -173,10 +173,6 @@ void SweepController::endFreqTextChanged() {
 void SweepController::rateTextChanged() {
     systemLog("rateTextChanged");
     parameters_.rate.store(ui_->rate->doubleValue(), kRelaxed);
-}
-
-void SweepController::applicationWillTerminate() {
-    stored_.store();
 }
 
 } // namespace sonotrace

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "generator/SweepParameters.h"
-#include "widgets/StoredControls.h"
+#include "widgets/ToolController.h"
 
-#include <QObject>
 #include <QTimer>
-#include <QWidget>
 
 #include <memory>
 
@@ -21,7 +19,7 @@ class RealSlider;
 
 /// The sweep's window. Every control writes its parameter at once, as it is: the render copes with any value.
 /// Window thread.
-class SweepController : public QObject {
+class SweepController : public ToolController {
     Q_OBJECT
 
 public:
@@ -32,13 +30,7 @@ public:
     /// Loads what is stored into the controls and the parameters. Once.
     void awakeFromNib();
 
-    /// Writes the window's values into the preferences; the switches as the render has them, so that a pass
-    /// that has ended by itself is not started again by the next launch.
-    void applicationWillTerminate();
-
     void showWindow();
-
-    QWidget& window() { return window_; }
 
 public Q_SLOTS:
     void doStartFreq();
@@ -63,9 +55,7 @@ private:
     void showState();
 
     SweepParameters& parameters_;
-    QWidget window_;
     const std::unique_ptr<Ui::SweepWindow> ui_;
-    StoredControls stored_;
     QTimer stateTimer_;
 };
 

@@ -20,7 +20,6 @@ namespace {
 constexpr auto kRelaxed = std::memory_order_relaxed;
 constexpr auto kMaxDbKey = "WATERFALL_maxDB";
 constexpr auto kMinDbKey = "WATERFALL_minDB";
-const QSize kDefaultSize(960, 700);
 constexpr int kMeterInterval = 50; // ms
 constexpr int kLeastStoredLog2 = 7;
 constexpr int kMenuSizes = 12;
@@ -35,19 +34,15 @@ void UploadThread(const char*) {}
 } // namespace
 
 WaterfallController::WaterfallController(SoundSystem& system, Preferences& preferences)
-    : system_(system),
+    : ToolController(preferences, "WATERFALL_WINDOW_FRAME"),
+      system_(system),
       preferences_(preferences),
       ui_(std::make_unique<Ui::WaterfallWindow>()),
-      stored_(preferences, window_, "WATERFALL_WINDOW_FRAME"),
       image_(std::make_unique<WaterfallImage>(parameters_)),
+      analysis_(parameters_, *image_),
       measurement_(parameters_) {
-    systemLog("- (void)init");
     ui_->setupUi(&window_);
-    analysis_.emplace(parameters_, *image_);
-    window_.setAttribute(Qt::WA_QuitOnClose, false);
-    window_.resize(kDefaultSize);
-    for (QLabel* label : {ui_->minDBText, ui_->maxDBText})
-        label->setMinimumWidth(label->sizeHint().width()); // its longest text: the slider beside it stays put
+    keepRoom({ui_->minDBText, ui_->maxDBText});
     const CaptureVariant variant{.streamName = "Waterfall",
                                  .runLoop = nullptr,
                                  .printsEnqueue = true,
@@ -58,14 +53,12 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
         InputControls{ui_->inputPopup, ui_->soundInputVolume2, ui_->inputStatus},
         [this](std::span<const std::int16_t> interleaved) { capture(interleaved); });
     // A long pass of lines must not keep the window waiting for its end.
-    connect(source_.get(), &InputSource::aboutToStop, this, [this] { analysis_->interrupt(); });
-    connect(source_.get(), &InputSource::aboutToStart, this, [this] { analysis_->resume(); });
+    connect(source_.get(), &InputSource::aboutToStop, this, [this] { analysis_.interrupt(); });
+    connect(source_.get(), &InputSource::aboutToStart, this, [this] { analysis_.resume(); });
     connect(source_.get(), &InputSource::started, this, &WaterfallController::addBargraphTimer);
 }
 
-WaterfallController::~WaterfallController() {
-    source_->stopSound();
-}
+WaterfallController::~WaterfallController() = default;
 
 void WaterfallController::awakeFromNib() {
     ui_->mainView->setModel(*image_);
@@ -177,7 +170,7 @@ void WaterfallController::connectControls() {
 
 /// Capture thread.
 void WaterfallController::capture(std::span<const std::int16_t> interleaved) {
-    analysis_->capture(interleaved);
+    analysis_.capture(interleaved);
     redrawAsked_.store(1, kRelaxed); // posting an event would allocate
 }
 
@@ -264,10 +257,6 @@ void WaterfallController::menuSaveWaterfallPicture() {
     if (const auto path =
             askForFileToSave(&window_, "Choose file to save the picture to", "PNG pictures (*.png)", "png"))
         source_->showNotice(writeFile(*path, ui_->mainView->ReturnPNG(), "Picture saved to %1"));
-}
-
-void WaterfallController::applicationWillTerminate() {
-    stored_.store();
 }
 
 } // namespace sonotrace

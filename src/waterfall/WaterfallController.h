@@ -5,14 +5,10 @@
 #include "waterfall/WaterfallMeasurement.h"
 #include "waterfall/WaterfallParameters.h"
 #include "widgets/InputSource.h"
-#include "widgets/StoredControls.h"
-
-#include <QObject>
-#include <QWidget>
+#include "widgets/ToolController.h"
 
 #include <atomic>
 #include <memory>
-#include <optional>
 
 namespace Ui {
 class WaterfallWindow;
@@ -23,7 +19,7 @@ namespace sonotrace {
 /// The waterfall's window: restores and stores its controls, hands their values to the analysis, shows
 /// measurements, and runs the input stream from the moment it is made until the program ends. Window thread;
 /// the capture runs on its stream's own.
-class WaterfallController : public QObject {
+class WaterfallController : public ToolController {
     Q_OBJECT
 
 public:
@@ -34,15 +30,10 @@ public:
     /// Restores the window and starts to listen. Once.
     void awakeFromNib();
 
-    /// Writes the controls into the preferences.
-    void applicationWillTerminate();
-
     /// Shows a measurement: Hz, and points right of the time reference.
     void setMouseHz(float frequency, float deltaX);
 
-    QWidget& window() { return window_; }
     const WaterfallParameters& parameters() const { return parameters_; }
-    const WaterfallImage& image() const { return *image_; }
 
 public Q_SLOTS:
     void doFFTSize();
@@ -69,12 +60,10 @@ private:
 
     SoundSystem& system_;
     Preferences& preferences_;
-    QWidget window_;
     const std::unique_ptr<Ui::WaterfallWindow> ui_;
-    StoredControls stored_;
     WaterfallParameters parameters_;
     const std::unique_ptr<WaterfallImage> image_; ///< several megabytes
-    std::optional<WaterfallAnalysis> analysis_;
+    WaterfallAnalysis analysis_;
     WaterfallMeasurement measurement_;
     std::atomic<std::int32_t> redrawAsked_{0}; ///< by the capture thread, and not yet heard
     std::unique_ptr<InputSource> source_;

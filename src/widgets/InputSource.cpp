@@ -24,11 +24,14 @@ InputSource::InputSource(SoundSystem& system, AudioDeviceTable::Variant devices,
       controls_(controls),
       gain_(system, devices_),
       stream_(system, devices_, variant, std::move(capture)) {
-    controls_.inputStatus->setTextFormat(Qt::PlainText);
     // `activated`, not a change of index: filling the pop-up is not the user choosing a device.
     connect(controls_.inputPopup, &QComboBox::activated, this, &InputSource::doInputDevice);
     connect(controls_.soundInputVolume2, &RealSlider::valueEdited, this, &InputSource::setSoundInputVolume);
     connect(&stateTimer_, &QTimer::timeout, this, &InputSource::showState);
+}
+
+InputSource::~InputSource() {
+    stopSound();
 }
 
 void InputSource::GetSoundDevices() {

@@ -31,6 +31,7 @@ public:
     /// `system` and the controls outlive the source.
     InputSource(SoundSystem& system, AudioDeviceTable::Variant devices, const CaptureVariant& variant,
                 const InputControls& controls, CaptureStream::Capture capture);
+    ~InputSource() override;
 
     void GetSoundDevices();
     void SetSoundDevices();

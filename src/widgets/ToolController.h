@@ -1,0 +1,41 @@
+#pragma once
+
+#include "base/SystemLog.h"
+#include "widgets/StoredControls.h"
+
+#include <QLabel>
+#include <QObject>
+#include <QWidget>
+
+#include <initializer_list>
+
+namespace sonotrace {
+
+/// What the controllers of the tool windows share: the window, and what the preferences keep of it. Window
+/// thread.
+class ToolController : public QObject {
+public:
+    /// Writes what is kept into the preferences.
+    void applicationWillTerminate() { stored_.store(); }
+
+    QWidget& window() { return window_; }
+
+protected:
+    /// `preferences` outlives the controller.
+    ToolController(Preferences& preferences, const char* frameKey) : stored_(preferences, window_, frameKey) {
+        systemLog("- (void)init");
+        window_.setAttribute(Qt::WA_QuitOnClose, false);
+    }
+
+    /// The layout file holds the labels' longest texts: with room for them the sliders beside them do not
+    /// move while their values change.
+    static void keepRoom(std::initializer_list<QLabel*> labels) {
+        for (QLabel* label : labels)
+            label->setMinimumWidth(label->sizeHint().width());
+    }
+
+    QWidget window_;
+    StoredControls stored_;
+};
+
+} // namespace sonotrace
