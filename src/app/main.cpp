@@ -41,7 +41,8 @@ int main(int argc, char** argv) {
     if (!arguments)
         return status;
     QApplication application(argc, argv);
-    std::setlocale(LC_NUMERIC, "C"); // numbers have a point in every field, text and log line
+    // Numbers have a point in every field, text and log line. No thread of ours runs yet.
+    std::setlocale(LC_NUMERIC, "C"); // NOLINT(concurrency-mt-unsafe)
     QApplication::setDesktopFileName("sonotrace");
     QApplication::setWindowIcon(QIcon(resourcePath("sonotrace.png")));
 

@@ -62,7 +62,7 @@ void LevelIndicator::paintEvent(QPaintEvent*) {
             painter.fillRect(QRectF(left, bar.top(), right - left, bar.height()), zone.colour);
     }
     painter.setPen(palette().color(QPalette::Mid));
-    for (double tick = kLevelScaleFloor; tick < 0.0; tick += 12.0) {
+    for (int tick = static_cast<int>(kLevelScaleFloor); tick < 0; tick += 12) {
         const double x = std::round(bar.left() + bar.width() * levelPosition(tick)) + 0.5;
         painter.drawLine(QPointF(x, bar.bottom() - 3), QPointF(x, bar.bottom()));
     }

@@ -108,7 +108,7 @@ TEST_F(WaterfallWindowTest, AToneIsALineThatClicksMeasureAndAPictureKeeps) {
     const QString measured = find<QLineEdit>("mouseFrequencyText").text();
     // 100 columns of 1024 samples.
     EXPECT_TRUE(measured.contains(" Hz  2322 mSec")) << measured.toStdString();
-    EXPECT_NEAR(measured.section(' ', 0, 0).toInt(), 11025, 22050 / view().height() + 1);
+    EXPECT_NEAR(measured.section(' ', 0, 0).toInt(), 11025, 22050.0 / view().height() + 1);
 
     answerFilePanel(folder_.filePath("waterfall"));
     find<QAbstractButton>("menuSaveWaterfallPicture").click();
