@@ -6,12 +6,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
 #include <memory>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace sonotrace {
 
@@ -23,8 +23,6 @@ std::filesystem::path makeFolder() {
         throw std::runtime_error("no temporary folder");
     return pattern;
 }
-
-constexpr const char* kSinks[] = {"speaker", "line"};
 
 } // namespace
 
@@ -59,99 +57,41 @@ PrivateServer::~PrivateServer() {
 }
 
 void PrivateServer::start() {
-    if (kind_ == Kind::PulseAudio)
-        startPulseAudio();
-    else
-        startPipeWire();
-    if (!waitFor([this] { return pactl("list short sinks").find("line") != std::string::npos; }, 20.0)) {
+    const char* const kind = kind_ == Kind::PulseAudio ? "pulseaudio" : "pipewire";
+    process_ = fork();
+    if (process_ == 0) {
+        setpgid(0, 0); // signals go to the server with all its children
+        const int log = open((folder_ / "server.log").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
+        dup2(log, STDOUT_FILENO);
+        dup2(log, STDERR_FILENO);
+        execl(SONOTRACE_PRIVATE_SERVER, SONOTRACE_PRIVATE_SERVER, kind, nullptr);
+        _exit(127);
+    }
+    setpgid(process_, process_);
+    if (!waitFor([this] { return pactl("get-default-source").find("speaker.monitor") == 0; }, 20.0)) {
         stop();
         throw std::runtime_error("the sound server does not answer");
     }
 }
 
-void PrivateServer::startPulseAudio() {
-    const auto script = folder_ / "server.pa";
-    std::ofstream file(script);
-    file << "load-module module-native-protocol-unix socket=" << (folder_ / "socket").string()
-         << " auth-anonymous=1\n";
-    for (const char* sink : kSinks) {
-        file << "load-module module-null-sink sink_name=" << sink
-             << " rate=44100 format=s16le channels=2 sink_properties=device.description=" << sink << "\n";
-    }
-    file << "load-module module-rescue-streams\n";
-    file.close();
-    processes_.push_back(spawn({"pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1",
-                                "--use-pid-file=no", "-F", script.string()}));
-}
-
-void PrivateServer::startPipeWire() {
-    const auto configure = [this](const char* folder, const char* file, const char* text) {
-        const auto path = folder_ / "XDG_CONFIG_HOME" / folder;
-        std::filesystem::create_directories(path);
-        std::ofstream(path / file) << text;
-    };
-    // Its graph runs at 48 kHz by default, and resamples what comes at 44.1.
-    configure("pipewire/pipewire.conf.d", "rate.conf",
-              "context.properties = { default.clock.rate = 44100 }\n");
-    // Its session manager's Bluetooth part needs a login manager, and takes it all down where there is none.
-    configure("wireplumber/bluetooth.lua.d", "80-off.lua", "bluez_monitor.enabled = false\n");
-    // Its session manager gives up when it comes before the socket.
-    const std::string script =
-        "pipewire & for i in $(seq 200); do [ -S \"$XDG_RUNTIME_DIR/pipewire-0\" ] && break; "
-        "sleep 0.05; done; wireplumber & exec pipewire-pulse";
-    processes_.push_back(spawn({"dbus-run-session", "--", "sh", "-c", script}));
-    waitFor([this] { return pactl("info").find("Server Name") != std::string::npos; }, 20.0);
-    for (const char* sink : kSinks) {
-        pactl(std::string("load-module module-null-sink rate=44100 format=s16le channels=2 sink_name=") +
-              sink + " sink_properties=device.description=" + sink);
-    }
-    pactl("set-default-sink speaker");
-    pactl("set-default-source speaker.monitor");
-}
-
-pid_t PrivateServer::spawn(const std::vector<std::string>& command) {
-    std::vector<char*> arguments;
-    for (const std::string& word : command)
-        arguments.push_back(const_cast<char*>(word.c_str()));
-    arguments.push_back(nullptr);
-    const std::string log = folder_ / "server.log";
-    const pid_t process = fork();
-    if (process == 0) {
-        setpgid(0, 0); // signals go to the server with all its children
-        const int output = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-        dup2(output, STDOUT_FILENO);
-        dup2(output, STDERR_FILENO);
-        execvp(arguments[0], arguments.data());
-        _exit(127);
-    }
-    setpgid(process, process);
-    return process;
-}
-
 void PrivateServer::stop() {
-    for (const pid_t process : processes_) {
-        kill(-process, SIGCONT);
-        kill(-process, SIGTERM);
-        int status = 0;
-        const auto gone = [process, &status] { return waitpid(process, &status, WNOHANG) != 0; };
-        if (!waitFor(gone, 5.0)) {
-            kill(-process, SIGKILL);
-            waitpid(process, &status, 0);
-        }
-        kill(-process, SIGKILL); // whatever it left behind
-    }
-    processes_.clear();
+    if (process_ == 0)
+        return;
+    kill(-process_, SIGCONT);
+    kill(-process_, SIGTERM);
+    int status = 0;
+    waitFor([this, &status] { return waitpid(process_, &status, WNOHANG) != 0; }, 5.0);
+    kill(-process_, SIGKILL); // what is left
+    waitpid(std::exchange(process_, 0), &status, 0);
     std::filesystem::remove(folder_ / "socket");
 }
 
 void PrivateServer::freeze() {
-    for (const pid_t process : processes_)
-        kill(-process, SIGSTOP);
+    kill(-process_, SIGSTOP);
 }
 
 void PrivateServer::thaw() {
-    for (const pid_t process : processes_)
-        kill(-process, SIGCONT);
+    kill(-process_, SIGCONT);
 }
 
 std::string PrivateServer::pactl(const std::string& arguments) const {

@@ -4,7 +4,6 @@
 #include <functional>
 #include <string>
 #include <sys/types.h>
-#include <vector>
 
 namespace sonotrace {
 
@@ -35,13 +34,9 @@ public:
     const std::filesystem::path& folder() const { return folder_; }
 
 private:
-    void startPulseAudio();
-    void startPipeWire();
-    pid_t spawn(const std::vector<std::string>& command);
-
     const Kind kind_;
     const std::filesystem::path folder_;
-    std::vector<pid_t> processes_;
+    pid_t process_ = 0;
 };
 
 } // namespace sonotrace
