@@ -2,10 +2,10 @@
 
 #include "generator/SettingsFile.h"
 
+#include "support/DeviceListSystem.h"
 #include "support/ToolWindow.h"
 
 #include <QAction>
-#include <QCheckBox>
 #include <QMainWindow>
 
 #include <gtest/gtest.h>
@@ -16,47 +16,61 @@
 namespace sonotrace {
 namespace {
 
-class WindowControlTest : public testing::Test {
+constexpr std::pair<const char*, const char*> kTools[] = {{"menuSweep", "SweepWindow"},
+                                                          {"menuSpectrum", "SpectrumWindow"},
+                                                          {"menuWaterfall", "WaterfallWindow"},
+                                                          {"menuWScope", "ScopeWindow"}};
+
+class WindowControlTest : public WindowTest {
 protected:
     WindowControlTest() { qputenv("XDG_CONFIG_HOME", folder_.path().toUtf8()); }
 
-    void launch() {
+    void launch(const std::vector<DeviceDescription>& devices = {device(1, "Speaker", 2, 2),
+                                                                 device(2, "Line", 2, 2)}) {
         control_.reset();
-        preferences_ = std::make_unique<Preferences>();
-        control_ = std::make_unique<WindowControl>(system_, *preferences_);
+        system_ = std::make_unique<DeviceListSystem>(devices);
+        store_ = std::make_unique<Preferences>();
+        control_ = std::make_unique<WindowControl>(*system_, *store_);
         control_->awakeFromNib();
+        window_ = &control_->window();
     }
 
-    /// Quits as the application does, and starts again.
-    void relaunch() {
-        control_->applicationWillTerminate();
-        launch();
+    /// Opens a tool from the menu, or brings it to the front.
+    QWidget& open(const char* menuItem, const char* name) {
+        findControl<QAction>(control_->window(), menuItem).trigger();
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (window->objectName() == name)
+                return *window;
+        }
+        throw std::runtime_error(name);
     }
 
-    template <typename Control>
-    Control& find(const QString& name) {
-        return findControl<Control>(control_->window(), name);
-    }
+    void quit() { QMetaObject::invokeMethod(qApp, "aboutToQuit"); }
 
-    void type(const char* field, const QString& text) { find<QLineEdit>(field).setText(text); }
-
-    void choose(const char* menuItem, const QString& path, QString* title = nullptr) {
+    void chooseFile(const char* menuItem, const QString& path, QString* title = nullptr) {
         answerFilePanel(path, title);
         find<QAction>(menuItem).trigger();
     }
 
     GeneratorSettings slot(int i) { return control_->bank().slots[static_cast<std::size_t>(i)].load(); }
-    QString notice() { return find<QLabel>("noticeLabel").text(); }
-    QString path(const char* name) const { return folder_.filePath(name); }
+    std::string notice() { return text("noticeLabel").toStdString(); }
+    QString path(const char* name) const { return QDir(folder_.path()).filePath(name); }
 
     QByteArray contents(const QString& file) {
         QFile opened(file);
         return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray("(unreadable)");
     }
 
-    QTemporaryDir folder_;
-    LoopbackSystem system_{LoopbackSystem::Clock::Manual};
-    std::unique_ptr<Preferences> preferences_;
+    /// What is rendered next: one buffer.
+    QByteArray record() {
+        EXPECT_TRUE(control_->startRecording(path("phase.wav")));
+        system_->advance(5000);
+        control_->doStopRecordingFileMenu();
+        return contents(path("phase.wav")).mid(44);
+    }
+
+    std::unique_ptr<DeviceListSystem> system_;
+    std::unique_ptr<Preferences> store_;
     std::unique_ptr<WindowControl> control_;
 };
 
@@ -64,14 +78,13 @@ TEST_F(WindowControlTest, TheFirstRunOffersThirteenSinesAndWritesEveryWindowsDef
     launch();
     EXPECT_EQ(slot(12).frequency, 2200);
     EXPECT_EQ(slot(12).volumeRight, 1);
-    EXPECT_EQ(slot(5).enabled, 0);
     const Preferences stored;
     EXPECT_EQ(stored.floatValue("sweepEnd"), 20000.0F);
     EXPECT_EQ(stored.doubleValue("soundInputVolume"), 700.0);
     EXPECT_EQ(stored.integerValue("Freq0"), 0) << "the bank is stored at the end";
 
-    // Phases and switches alone do not make a store.
-    writePreferences("Phase3=90\nEnabled2=1\n");
+    // Nor is it another run when the file holds phases and switches alone, or no preferences at all.
+    writePreferences("Phase3=90\nEnabled2=1\n\xff\xfe garbage\n[[[\n=\n%%%");
     launch();
     EXPECT_EQ(slot(3).frequency, 1300);
     EXPECT_EQ(slot(3).phase, 90);
@@ -90,18 +103,20 @@ TEST_F(WindowControlTest, ThePanelStandsWhereItShould) {
         EXPECT_EQ(find<QWidget>(name).geometry(), frame) << name;
         EXPECT_EQ(find<QWidget>(name).property("tag").toInt(), tag) << name;
     }
-    EXPECT_EQ(find<QLineEdit>("frequency0").text(), "1000.00 ");
     EXPECT_EQ(find<QWidget>("labelRight").pos(), QPoint(570, 20));
     QStringList titles;
     for (int i = 0; i < find<QComboBox>("waveform0").count(); ++i)
         titles << find<QComboBox>("waveform0").itemText(i);
-    EXPECT_EQ(titles,
-              (QStringList{"Sine", "Square", "Sawtooth", "Triangle", "White", "Pink", "Pulse", "Off"}));
-    expectUsableWindow(control_->window());
+    EXPECT_EQ(titles.join(' '), "Sine Square Sawtooth Triangle White Pink Pulse Off");
+    expectUsableWindow(*window_);
 }
 
-TEST_F(WindowControlTest, ThePollClampsWhatIsTypedAndLeavesTheTextAlone) {
+TEST_F(WindowControlTest, SlidersActAtOnceAndThePollClampsWhatIsTyped) {
     launch();
+    find<QSlider>("volumeRight3").setValue(999);
+    EXPECT_EQ(slot(3).volumeRight, 0.999);
+    EXPECT_EQ(slot(3).volumeLeft, 1.0);
+    EXPECT_EQ(text("readoutRight3"), "99");
     using Entry = std::tuple<const char*, double, const char*, double>;
     const Entry entries[] = {
         {"0", 0.1, "720", 360},     {"50000", 22000, "-361", -360}, {"440.25 Hz", 440.25, " 12", 12},
@@ -113,177 +128,190 @@ TEST_F(WindowControlTest, ThePollClampsWhatIsTypedAndLeavesTheTextAlone) {
         control_->HalfSecTimer();
         EXPECT_EQ(slot(4).frequency, taken) << frequency;
         EXPECT_EQ(slot(4).phase, takenPhase) << phase;
-        EXPECT_EQ(find<QLineEdit>("frequency4").text(), frequency);
+        EXPECT_EQ(find<QLineEdit>("frequency4").text(), frequency) << "the text is left alone";
     }
-    find<QCheckBox>("enabled4").click();
+    click("enabled4");
     find<QComboBox>("waveform4").setCurrentIndex(7);
     EXPECT_EQ(slot(4).enabled, 0);
     EXPECT_TRUE(QTest::qWaitFor([&] { return slot(4).enabled == 1; })) << "the timer polls by itself";
     EXPECT_EQ(slot(4).waveform, 7);
+    click("enabled5");
+    quit();
+    EXPECT_EQ(Preferences().integerValue("Enabled5"), 1) << "stored from the box, which is not polled yet";
 }
 
-TEST_F(WindowControlTest, AVolumeSliderActsAtOnceOnItsChannelAlone) {
+TEST_F(WindowControlTest, TheMenuOpensEveryToolOnceAndThenBringsItToTheFront) {
     launch();
-    auto& slider = find<QSlider>("volumeRight3");
-    slider.setValue(slider.maximum() / 2);
-    EXPECT_EQ(slot(3).volumeRight, 0.5);
-    EXPECT_EQ(slot(3).volumeLeft, 1.0);
-    EXPECT_EQ(slot(2).volumeRight, 1.0);
-    EXPECT_EQ(find<QLabel>("readoutRight3").text(), "50");
-    slider.setValue(slider.maximum() - 1);
-    EXPECT_EQ(slot(3).volumeRight, 0.999);
-    EXPECT_EQ(find<QLabel>("readoutRight3").text(), "99");
+    for (const auto& [item, name] : kTools) {
+        QWidget& tool = open(item, name);
+        EXPECT_TRUE(tool.isVisible()) << name;
+        EXPECT_FALSE(tool.testAttribute(Qt::WA_QuitOnClose)) << "the program ends with its main window";
+        expectUsableWindow(tool);
+        tool.showMinimized();
+        EXPECT_EQ(&open(item, name), &tool);
+        EXPECT_FALSE(tool.isMinimized()) << name;
+    }
 }
 
-TEST_F(WindowControlTest, EverythingIsAsItWasAfterARestart) {
-    launch();
-    type("frequency7", "1000.1");
-    type("phase7", "-45.5");
-    find<QComboBox>("waveform7").setCurrentIndex(3);
-    find<QSlider>("volumeLeft7").setValue(333);
-    control_->HalfSecTimer();
-    find<QCheckBox>("enabled7").click(); // not polled yet: the box itself is stored
-    control_->window().resize(700, 580);
-    relaunch();
-    EXPECT_EQ(slot(7).frequency, static_cast<double>(1000.1F)) << "stored in single precision";
-    EXPECT_EQ(slot(7).phase, -45.5);
-    EXPECT_EQ(slot(7).waveform, 3);
-    EXPECT_EQ(slot(7).volumeLeft, static_cast<double>(0.333F));
-    EXPECT_EQ(slot(7).enabled, 1);
-    EXPECT_EQ(find<QLineEdit>("frequency7").text(), "1000.10 ");
-    EXPECT_EQ(control_->window().size(), QSize(700, 580));
-    EXPECT_TRUE(contents(Preferences::defaultPath()).contains("Freq7=1000.1\n"));
+TEST_F(WindowControlTest, WithoutAnInputDeviceTheToolsOpenAndSaySo) {
+    launch({device(1, "Speaker", 2, 0)});
+    for (const auto& [item, name] : std::span(kTools).subspan(1)) { // the sweep has none
+        window_ = &open(item, name);
+        EXPECT_EQ(text("inputStatus"), "There is no input device") << name;
+        EXPECT_FALSE(find<QSlider>("soundInputVolume2").isEnabled()) << name;
+        choose("inputPopup", -1);
+        find<QSlider>("soundInputVolume2").setValue(500);
+        window_->grab();
+    }
+    quit();
+    EXPECT_EQ(Preferences().integerValue("inputPopup"), -1);
+    EXPECT_EQ(Preferences().integerValue("WATERFALL_inputPopup"), -1);
 }
 
-TEST_F(WindowControlTest, PreferencesOfAnyKindAreSurvivedAndClamped) {
-    writePreferences(
-        "Freq0=1e300\nFreq1=nan\nFreq2=-7\nFreq3=@Variant(\\0\\0)\nPhase0=1e9\nVolL0=7\nVolR0=-1\n"
-        "GenType0=99\nGenType1=-3\nGenType2=1e99\nEnabled0=12345678901234\nEnabled1=-1\n"
-        "MAIN_outputPopup=77\nGENERATOR_WINDOW_FRAME=2147483647 -99999 2147483647 2000000000\n");
+TEST_F(WindowControlTest, AnotherOutputDeviceIsPlayedOnAtOnce) {
     launch();
-    for (const int i : {0, 1, 2, 3})
-        EXPECT_EQ(slot(i).frequency, i == 0 ? 22000 : 1) << i;
-    EXPECT_EQ(slot(0).phase, 360);
-    EXPECT_EQ(slot(0).volumeLeft, 1);
-    EXPECT_EQ(slot(0).volumeRight, 0);
-    EXPECT_EQ(slot(0).waveform, 7);
-    EXPECT_EQ(slot(1).waveform, 0);
-    EXPECT_EQ(slot(1).enabled, 0);
-    EXPECT_EQ(find<QComboBox>("outputPopup").currentIndex(), 0);
-    system_.advance(44100);
-    writePreferences("\xff\xfe\0garbage\n[[[\n=\n%%%");
-    launch();
-    EXPECT_EQ(slot(12).frequency, 2200);
+    testing::internal::CaptureStderr();
+    QTest::keyClick(&find<QComboBox>("outputPopup"), Qt::Key_Down);
+    const std::string log = testing::internal::GetCapturedStderr();
+    EXPECT_LT(log.find("Stop Sound"), log.find("Start Sound")) << log;
+    EXPECT_NE(log.find("Device: Line id 2 UID: uid-Line"), std::string::npos) << log;
+    EXPECT_EQ(record().size(), 20000) << "the stream runs again";
 }
 
-TEST_F(WindowControlTest, ARecordingFromTheMenuIsWhatIsPlayed) {
-    writePreferences(
-        "Freq0=997\nVolL0=1\nVolR0=0.5\nEnabled0=1\nFreq1=333\nVolL1=1\nGenType1=5\nEnabled1=1\n");
+TEST_F(WindowControlTest, TheMenuStartsAndStopsARecordingAndTheStatusBarShowsIt) {
     launch();
     auto& start = find<QAction>("doRecordingFileMenu");
     auto& stop = find<QAction>("doStopRecordingFileMenu");
-    choose("doRecordingFileMenu", QString());
-    EXPECT_TRUE(start.isEnabled());
-    EXPECT_FALSE(stop.isEnabled());
+    chooseFile("doRecordingFileMenu", QString());
+    EXPECT_TRUE(start.isEnabled() && !stop.isEnabled());
     QString title;
-    choose("doRecordingFileMenu", path("take"), &title);
+    chooseFile("doRecordingFileMenu", path("take"), &title);
     EXPECT_EQ(title, "Choose file to save recording to");
-    EXPECT_FALSE(start.isEnabled());
-    EXPECT_TRUE(stop.isEnabled());
-    for (int i = 0; i < 30; ++i) {
-        system_.advance(22050);
-        control_->HalfSecTimer();
-    }
-    EXPECT_TRUE(find<QLabel>("recordingLabel").text().contains("take.wav  0:14"))
-        << find<QLabel>("recordingLabel").text().toStdString();
+    EXPECT_TRUE(!start.isEnabled() && stop.isEnabled());
+    system_->advance(4 * 44100);
+    control_->HalfSecTimer();
+    EXPECT_EQ(text("recordingLabel"), "● Recording take.wav  0:03");
     stop.trigger();
-    EXPECT_TRUE(start.isEnabled());
-
-    RenderBench expected;
-    expected.set(0, {997, 0, 1, 0.5, 0, 1});
-    expected.set(1, {333, 0, 1, 0, 5, 1});
-    const auto samples = expected.render(30 * 22050 / 5000);
-    const auto size = static_cast<qsizetype>(samples.size() * 2);
-    EXPECT_TRUE(contents(path("take.wav")).mid(44) ==
-                QByteArray(reinterpret_cast<const char*>(samples.data()), size));
+    EXPECT_TRUE(start.isEnabled() && !stop.isEnabled());
+    EXPECT_EQ(text("recordingLabel"), "");
 }
 
-TEST_F(WindowControlTest, ASettingsFileComesBackExactlyAndOpeningSynchronisesThePhasesEvenWhenCancelled) {
+TEST_F(WindowControlTest, PhasesStartAgainFromTheButtonAndWithOpenedSettingsTheSweepsToo) {
+    writePreferences("Freq0=997.3\nVolL0=1\nEnabled0=1\n" // the generator on the left, the sweep on the right
+                     "sweepStart=441.7\nsweepEnd=9000\nsweepAmplitudeRight=1\nsweepRightEnabled=1\n");
     launch();
-    const auto phaseZero = [this] { // a first buffer that begins at phase 0 begins with the first table step
-        QFile::remove(path("phase.wav"));
-        choose("doRecordingFileMenu", path("phase.wav"));
-        system_.advance(20000);
-        control_->doStopRecordingFileMenu();
-        return contents(path("phase.wav")).mid(44 + 4 * 4 * 5000 - 20000, 400);
-    };
-    type("frequency0", "1000.123456789012");
-    find<QCheckBox>("enabled0").click();
-    control_->HalfSecTimer();
-    system_.advance(20000);
-    QString title;
-    choose("menuSaveSettings", path("bench settings"), &title);
-    EXPECT_EQ(title, "Settings file to save");
-    EXPECT_EQ(QFileInfo(path("bench settings")).size(), 4000);
-    type("frequency0", "5");
-    find<QSlider>("volumeLeft0").setValue(3);
-    find<QCheckBox>("enabled0").click();
-    choose("menuOpenSettings", path("bench settings"), &title);
-    EXPECT_EQ(title, "Settings file to open");
-    EXPECT_EQ(slot(0).frequency, 1000.123456789012);
-    EXPECT_EQ(slot(0).volumeLeft, 1.0);
-    EXPECT_EQ(slot(0).enabled, 1);
-    EXPECT_TRUE(find<QCheckBox>("enabled0").isChecked());
-    control_->HalfSecTimer();
-    EXPECT_EQ(slot(0).frequency, 1000.123456789012) << "the field shows all of it";
-    const QByteArray first = phaseZero();
-    EXPECT_NE(phaseZero(), first);
-    choose("menuOpenSettings", QString());
-    EXPECT_EQ(phaseZero(), first);
+    findControl<QAbstractButton>(open("menuSweep", "SweepWindow"), "oneShot").click();
+    const QByteArray first = record();
+    EXPECT_NE(record(), first);
+    click("syncPhases");
+    EXPECT_EQ(record(), first);
+    EXPECT_NE(record(), first);
+    chooseFile("menuOpenSettings", QString());
+    EXPECT_EQ(record(), first) << "even when it is cancelled";
 }
 
-TEST_F(WindowControlTest, SettingsFilesAreTakenAsTheyAreAndTheNextPollClampsWhatItPolls) {
+TEST_F(WindowControlTest, ASettingsFileIsTakenAsItIsWrittenExactlyAndClampedByTheNextPoll) {
     launch();
     SettingsOfAll wild{};
-    wild[0] = {1e300, -1e300, 7.5, -3, 42, 9};
-    wild[1] = {std::nan(""), std::nan(""), std::nan(""), 0, -1, -1};
+    wild[0] = {1e300, -1e300, 7.5, std::nan(""), 42, 1};
+    wild[1] = {1000.123456789012, 0, 0, 1, 3, 1};
     const auto block = encodeSettingsFile(wild);
-    std::ofstream(path("wild").toStdString(), std::ios::binary)
-        .write(reinterpret_cast<const char*>(block.data()), 4000);
-    control_->openSettings(path("wild"));
-    EXPECT_EQ(slot(0).frequency, 1e300);
-    EXPECT_EQ(slot(0).volumeLeft, 7.5);
-    EXPECT_EQ(slot(0).waveform, 42);
-    EXPECT_EQ(find<QLabel>("readoutLeft0").text(), "750");
-    system_.advance(44100);
+    const QByteArray bytes(reinterpret_cast<const char*>(block.data()), 4000);
+    std::ofstream(path("wild").toStdString()) << bytes.toStdString();
+    QString title;
+    chooseFile("menuOpenSettings", path("wild"), &title);
+    EXPECT_EQ(title, "Settings file to open");
+    EXPECT_EQ(notice(), "Settings opened from wild");
+    EXPECT_EQ(text("readoutLeft0"), "750");
+    chooseFile("menuSaveSettings", path("copy"), &title);
+    EXPECT_EQ(title, "Settings file to save");
+    EXPECT_EQ(notice(), "Settings saved to copy");
+    EXPECT_TRUE(contents(path("copy")) == bytes);
+    system_->advance(44100);
     control_->HalfSecTimer();
     EXPECT_EQ(slot(0).frequency, 22000);
     EXPECT_EQ(slot(0).phase, -360);
-    EXPECT_EQ(slot(0).volumeLeft, 7.5);
-    EXPECT_EQ(slot(1).frequency, 0.1);
+    EXPECT_EQ(slot(0).volumeLeft, 7.5) << "it is not polled";
+    EXPECT_EQ(slot(1).frequency, 1000.123456789012) << "the field shows all of it";
+    EXPECT_EQ(slot(1).enabled, 1) << "the box shows it";
     EXPECT_EQ(slot(2).frequency, 0.1) << "zeros in the file";
-    system_.advance(44100);
 }
 
-TEST_F(WindowControlTest, FilesThatCannotBeReadOrWrittenAreSaid) {
+TEST_F(WindowControlTest, FilesThatCannotBeReadOrWrittenAreSaidUntilOneCanBe) {
     launch();
-    control_->openSettings(path("not there"));
-    EXPECT_TRUE(notice().startsWith("not there cannot be read")) << notice().toStdString();
-    EXPECT_EQ(slot(0).frequency, 0);
-    control_->openSettings(folder_.path());
-    EXPECT_TRUE(notice().contains("cannot be read"));
-    QFile empty(path("empty"));
-    ASSERT_TRUE(empty.open(QIODevice::WriteOnly));
-    control_->openSettings(path("empty"));
-    EXPECT_TRUE(notice().contains("too short")) << notice().toStdString();
+    std::ofstream(path("empty").toStdString());
+    for (const auto& [file, said] :
+         {std::pair{"not there", "not there cannot be read: no such file"},
+          {".", ". cannot be read: no such file"},
+          {"empty", "empty is too short for a settings file: the rest counts as zero"}}) {
+        control_->openSettings(path(file));
+        EXPECT_EQ(notice(), said);
+    }
     EXPECT_FALSE(control_->startRecording(path("no folder/take.wav")));
     EXPECT_EQ(notice(), "take.wav cannot be created");
-    EXPECT_TRUE(find<QAction>("doRecordingFileMenu").isEnabled());
-    if (QFile::exists("/dev/full")) {
-        EXPECT_TRUE(control_->startRecording("/dev/full"));
-        system_.advance(44100);
+    for (const auto& [file, meanwhile, inTheEnd] :
+         {std::tuple{"/dev/full", "full cannot be written: is the disk full?",
+                     "full could not be written completely"},
+          {"good.wav", "", "Recorded good.wav"}}) {
+        EXPECT_TRUE(control_->startRecording(path(file)));
+        system_->advance(44100);
         control_->HalfSecTimer();
-        EXPECT_TRUE(notice().contains("is the disk full")) << notice().toStdString();
+        EXPECT_EQ(notice(), meanwhile);
+        control_->doStopRecordingFileMenu();
+        EXPECT_EQ(notice(), inTheEnd);
+    }
+}
+
+TEST_F(WindowControlTest, WhatAllWindowsKeepComesBackAndAnyFileIsSurvived) {
+    // Key, what is found, and after a > what is left behind when that is something else.
+    const char* const files[] = {
+        R"(Freq7=1000.1, Phase7=-45.5, VolL7=0.333, VolR7=0.25, GenType7=3, Enabled7=1, MAIN_outputPopup=1,
+           GENERATOR_WINDOW_FRAME=10 20 700 580,
+           sweepStart=1000.1, sweepEnd=2000.2, sweepRate=-3.25, sweepAmplitudeLeft=0.333,
+           sweepAmplitudeRight=0.25, sweepEnabled=1, sweepLeftEnabled=1, sweepRightEnabled=1, sweepReverse=1,
+           sweepLog=1, SWEEP_WINDOW_FRAME=11 21 700 480,
+           spectrumStartFreq=123.5, spectrumEndFreq=9000.5, spectrumNumAvg=7, spectrumFillCheckbox=1,
+           spectrumLogCheckbox=1, spectrumGridCheckbox=1, gridBrightness=350.5, SPECTRUM_fftSizePopup=3,
+           SPECTRUM_windowPopup=6, SPECTRUM_soundInputVolume=350, inputPopup=1,
+           SPECTRUM_WINDOW_FRAME=12 22 770 560,
+           waterfallStartingFreq=100.5, waterfallEndingFreq=9000.25, waterfallGain=2.5, waterfallSpeedup=3,
+           waterfallReceiverkHz=7.25, fftSizeLog2=11, WATERFALL_inputPopup=1, WATERFALL_fftSizePopup=4,
+           WATERFALL_windowPopup=5, soundInputVolume=450, WATERFALL_maxDB=90.5, WATERFALL_minDB=30.25,
+           colorWaterfallPlot=1, WATERFALL_WINDOW_FRAME=13 23 795 570,
+           SCOPE_range1Text=-1.5, SCOPE_range2Text=-0.25, SCOPE_trigger1Text=1234.5, SCOPE_trigger2Text=-9,
+           SCOPE_offset1Text=12.5, SCOPE_offset2Text=-7.5, SCOPE_sweepText=2.5, SCOPE_polarity1Button=1,
+           SCOPE_polarity2Button=1, SCOPE_invert1Button=1, SCOPE_invert2Button=1,
+           SCOPE_soundInputVolume=550, SCOPE_WINDOW_FRAME=14 24 770 580)",
+        R"(Freq0=440, Freq1=>1, spectrumEndFreq=>5000, gridBrightness=>1000, waterfallEndingFreq=>5000,
+           waterfallGain=>1, waterfallSpeedup=5>1, fftSizeLog2=>7, WATERFALL_maxDB=>75, WATERFALL_minDB=>25,
+           SCOPE_range1Text=>0, SCOPE_range2Text=>0, SCOPE_sweepText=>4)",
+        R"(Freq0=1e300>22000, Freq1=nan>1, Freq2=-7>1, Freq3=@Variant(\0\0)>1, Phase0=1e9>360, VolL0=7>1,
+           VolR0=-1>0, GenType0=99>7, GenType1=-3>0, GenType2=1e99>0, Enabled0=12345678901234>0,
+           MAIN_outputPopup=77>0, sweepAmplitudeLeft=7>1, sweepReverse=-3>1, spectrumStartFreq=nan>0,
+           spectrumNumAvg=250>100, gridBrightness=1e30>1000, SPECTRUM_fftSizePopup=99>0,
+           SPECTRUM_windowPopup=-5>0, SPECTRUM_soundInputVolume=350.9>350, inputPopup=-7>0,
+           waterfallEndingFreq=0, waterfallGain=2, waterfallSpeedup=-3>1, fftSizeLog2=-30>7,
+           WATERFALL_windowPopup=77>0, WATERFALL_maxDB=-40>0, WATERFALL_minDB=40,
+           SCOPE_range1Text=-1e300>-2, SCOPE_trigger1Text=1e300>32767, SCOPE_polarity1Button=256>0,
+           GENERATOR_WINDOW_FRAME=2147483647 -99999 2147483647 2000000000>0 0 800 800)"};
+    for (const char* const file : files) {
+        QString found;
+        QStringList left;
+        for (const QString& row : QString(file).simplified().split(", ")) {
+            const QString key = row.section('=', 0, 0) + '=';
+            found += key + row.section('=', 1).section('>', 0, 0) + '\n';
+            left << key + row.section('=', 1).section('>', -1);
+        }
+        writePreferences(found.toLatin1());
+        launch();
+        for (const auto& [item, name] : kTools)
+            open(item, name).grab();
+        system_->advance(44100);
+        QTest::qWait(100);
+        quit();
+        const QString stored = contents(Preferences::defaultPath());
+        for (const QString& line : left)
+            EXPECT_TRUE(stored.contains('\n' + line + '\n')) << line.toStdString();
     }
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/loopback/LoopbackSystem.h"
-#include "support/DeviceListSystem.h"
 #include "support/Queues.h"
 #include "support/RenderBench.h"
 #include "widgets/Preferences.h"
@@ -74,9 +73,9 @@ inline void expectUsableWindow(const QWidget& window) {
         if (!works || control->objectName().startsWith("qt_"))
             continue;
         EXPECT_TRUE(control->focusPolicy() & Qt::TabFocus) << control->objectName().toStdString();
-        EXPECT_FALSE(control->accessibleName().isEmpty()) << control->objectName().toStdString();
-        EXPECT_FALSE(control->accessibleDescription().isEmpty()) << control->objectName().toStdString();
-        EXPECT_FALSE(control->toolTip().isEmpty()) << control->objectName().toStdString();
+        for (const QString& said :
+             {control->accessibleName(), control->accessibleDescription(), control->toolTip()})
+            EXPECT_FALSE(said.isEmpty()) << control->objectName().toStdString();
     }
 }
 
@@ -102,13 +101,28 @@ inline void answerFilePanel(const QString& path, QString* title = nullptr) {
     timer->start(20);
 }
 
-/// A store of the test's own, filled before the window under test is made.
-class StoreTest : public testing::Test {
+/// A test of a window, which finds its controls by their names and may have a store of its own.
+class WindowTest : public testing::Test {
 protected:
-    StoreTest() : preferences_(folder_.filePath("Sonotrace.conf")) {}
+    template <typename Control>
+    Control& find(const QString& name) {
+        return findControl<Control>(*window_, name);
+    }
+
+    void type(const QString& field, const QString& text) { find<QLineEdit>(field).setText(text); }
+    void click(const QString& button) { find<QAbstractButton>(button).click(); }
+    QString text(const QString& label) { return find<QLabel>(label).text(); }
+
+    /// Chooses from a pop-up as a user does.
+    void choose(const QString& popup, int index) {
+        auto& box = find<QComboBox>(popup);
+        box.setCurrentIndex(index);
+        Q_EMIT box.activated(index);
+    }
 
     QTemporaryDir folder_;
-    Preferences preferences_;
+    Preferences preferences_{folder_.filePath("Sonotrace.conf")};
+    QWidget* window_ = nullptr;
 };
 
 /// A loopback whose time the test moves.
@@ -118,32 +132,18 @@ struct ManualLoopback : LoopbackSystem {
 
 /// A window that listens, by default to a system of the test's own.
 template <typename Controller, typename System = ManualLoopback>
-class ListeningWindowTest : public StoreTest {
+class ListeningWindowTest : public WindowTest {
 protected:
-    void open(SoundSystem& system) {
+    void open() {
         if constexpr (std::is_constructible_v<Controller, SoundSystem&, Preferences&>)
-            controller_ = std::make_unique<Controller>(system, preferences_);
+            controller_ = std::make_unique<Controller>(system_, preferences_);
         else
-            controller_ = std::make_unique<Controller>(system, runLoop_, preferences_);
+            controller_ = std::make_unique<Controller>(system_, runLoop_, preferences_);
         controller_->awakeFromNib();
-    }
-    void open() { open(system_); }
-
-    template <typename Control>
-    Control& find(const QString& name) {
-        return findControl<Control>(controller_->window(), name);
+        window_ = &controller_->window();
     }
 
-    void type(const char* field, const QString& text) { find<QLineEdit>(field).setText(text); }
-
-    /// Chooses from a pop-up as a user does.
-    void choose(const char* popup, int index) {
-        auto& box = find<QComboBox>(popup);
-        box.setCurrentIndex(index);
-        Q_EMIT box.activated(index);
-    }
-
-    QString status() { return find<QLabel>("inputStatus").text(); }
+    QString status() { return text("inputStatus"); }
 
     /// Lets time pass, in steps shorter than what a stream holds in store.
     void hear(double seconds) {
@@ -151,21 +151,6 @@ protected:
             system_.advance(11025);
             QTest::qWait(1);
         }
-    }
-
-    /// What every window does where no device has an input.
-    void expectItOpensWithoutAnInputDeviceAndSaysSo(const char* popupKey = "inputPopup") {
-        DeviceListSystem system({device(3, "Speaker", 2, 0)});
-        open(system);
-        EXPECT_EQ(find<QComboBox>("inputPopup").currentIndex(), -1);
-        EXPECT_EQ(status(), "There is no input device");
-        EXPECT_FALSE(find<QSlider>("soundInputVolume2").isEnabled());
-        choose("inputPopup", -1);
-        find<QSlider>("soundInputVolume2").setValue(500);
-        controller_->window().grab();
-        controller_->applicationWillTerminate();
-        EXPECT_EQ(preferences_.integerValue(popupKey), -1);
-        controller_.reset(); // before its system
     }
 
     System system_;
