@@ -54,11 +54,28 @@ TEST_F(LoopbackTest, AStalledWindowThreadLosesNothingForHalfASecondAndAStopDrops
     EXPECT_TRUE(streams_.heardEveryNote());
     const std::size_t heard = streams_.heard.size();
     system_.advance(10 * 44100);
-    EXPECT_EQ(runLoop_.waiting(), 3U);
+    EXPECT_EQ(runLoop_.waiting(), 3);
     EXPECT_GT(streams_.input->state().underruns, 0U);
     EXPECT_EQ(streams_.input->stop(), kNoError);
     runLoop_.turn();
     EXPECT_EQ(streams_.heard.size(), heard);
+}
+
+TEST_F(LoopbackTest, APostedCallbackMayCloseOtherStreams) {
+    std::unique_ptr<AudioQueue> queues[4];
+    int calls[4] = {};
+    for (std::size_t i = 0; i < 4; ++i) {
+        const auto callback = [&queues, &calls, i](AudioQueue&, AudioQueueBuffer&) {
+            ++calls[i];
+            for (const std::size_t other : {0U, 3U})
+                if (i == 1)
+                    queues[other].reset();
+        };
+        queues[i] = startQueue(system_, &SoundSystem::newInput, 100, callback, {}, &runLoop_);
+    }
+    system_.advance(100);
+    runLoop_.turn();
+    EXPECT_EQ(testing::PrintToString(calls), "{ 1, 1, 1, 0 }");
 }
 
 TEST_F(LoopbackTest, IsReadWhileACallbackRuns) {

@@ -107,7 +107,7 @@ TEST_F(PulseTest, WhatIsPlayedArrivesToTheBitThoughTheWindowThreadStallsMeanwhil
     EXPECT_NEAR(levels[1].averagePower, 0.5F, 0.05F);
     EXPECT_TRUE(waitFor([&] { return streams.input->state().underruns == 1; })) << "this stall is too long";
     const std::size_t heard = streams.heardSamples();
-    ASSERT_GT(windowThread.waiting(), 0U);
+    ASSERT_GT(windowThread.waiting(), 0);
     streams.input->stop();
     windowThread.turn();
     EXPECT_EQ(streams.heardSamples(), heard) << "no callback runs after the stop, posted ones included";

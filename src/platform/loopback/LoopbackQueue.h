@@ -1,16 +1,15 @@
 #pragma once
 
 #include "platform/AudioQueue.h"
+#include "platform/BufferQueue.h"
 #include "platform/CallbackDelivery.h"
 #include "platform/LevelAccumulator.h"
 #include "platform/SoundSystem.h"
 
 #include <atomic>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <span>
-#include <vector>
 
 namespace sonotrace {
 
@@ -47,8 +46,7 @@ private:
     const std::shared_ptr<LoopbackWire> wire_;
     const Direction direction_;
     CallbackDelivery delivery_;
-    std::vector<std::unique_ptr<AudioQueueBuffer>> buffers_;
-    std::deque<AudioQueueBuffer*> queued_;
+    BufferQueue queued_;
     std::size_t position_ = 0; ///< samples of the first queued buffer that have been played or captured
     bool running_ = false;     ///< window thread
     LevelAccumulator level_;

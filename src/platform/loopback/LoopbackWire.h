@@ -14,8 +14,7 @@ class LoopbackQueue;
 /// The wire from the loopback's outputs to its inputs: mixes what the started output queues play and hands it
 /// to the started input queues.
 ///
-/// One mutex, taken once a passage of a few milliseconds, keeps a queue's stop() and its callback apart. It
-/// is recursive because callbacks enqueue their buffer from inside the passage.
+/// One mutex, taken once a passage of a few milliseconds, keeps a queue's stop() and its callback apart.
 class LoopbackWire {
 public:
     /// Lets `frames` frames pass. The clock's thread.
@@ -30,12 +29,10 @@ public:
         volumes_[channel].store(volume, std::memory_order_relaxed);
     }
 
-    std::recursive_mutex& mutex() { return mutex_; }
-
 private:
     void passBlock(std::span<std::int16_t> interleaved);
 
-    std::recursive_mutex mutex_;
+    std::mutex mutex_;
     std::vector<LoopbackQueue*> queues_;
     std::array<std::atomic<float>, 2> volumes_{1.0F, 1.0F};
 };
