@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <list>
 
 namespace sonotrace {
 namespace {
@@ -78,8 +79,21 @@ TEST_F(LoopbackTest, APostedCallbackMayCloseOtherStreams) {
     EXPECT_EQ(testing::PrintToString(calls), "{ 1, 1, 1, 0 }");
 }
 
-TEST_F(LoopbackTest, IsReadWhileACallbackRuns) {
-    expectReadingsDuringACallback(system_, "loopback", [this] { system_.advance(2205); });
+TEST_F(LoopbackTest, HasRoomForSixteenStreamsAndForTheirOwnBuffers) {
+    std::list<Streams> all;
+    for (int i = 0; i < 17; ++i)
+        all.emplace_back(system_).listen();
+    AudioQueue& last = *all.back().input;
+    EXPECT_EQ(last.start(), kStatusUnavailable);
+    all.pop_front();
+    EXPECT_EQ(last.start(), kNoError);
+    AudioQueueBuffer another(4);
+    another.byteSize = 4;
+    EXPECT_EQ(last.enqueueBuffer(another), kStatusBadArgument);
+}
+
+TEST_F(LoopbackTest, DoesNotWaitForTheCallbackOfAnotherStream) {
+    expectNobodyWaitsForACallback(system_, "loopback", [this] { system_.advance(2205); });
 }
 
 TEST(LoopbackClock, PassesTimeByItselfUntilTheStop) {

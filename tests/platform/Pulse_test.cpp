@@ -56,8 +56,8 @@ TEST_F(PulseTest, ListsInputsFirstAndTheDefaultsBeforeTheOthers) {
     EXPECT_EQ(system_.name(), "PulseAudio");
 }
 
-TEST_F(PulseTest, IsReadWhileACallbackRuns) {
-    expectReadingsDuringACallback(system_, "speaker.monitor", [] {});
+TEST_F(PulseTest, DoesNotWaitForTheCallbackOfAnotherStream) {
+    expectNobodyWaitsForACallback(system_, "speaker.monitor", [] {});
 }
 
 TEST_F(PulseTest, SetsTheVolumeOfOneInputChannelAsAMixerShowsIt) {

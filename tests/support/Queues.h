@@ -55,19 +55,19 @@ inline std::unique_ptr<AudioQueue> startQueue(SoundSystem& system, decltype(&Sou
     return queue;
 }
 
-/// Reads the meter and the state of an input on `uid` while its callback is held up: the window must not wait
-/// for a callback's work. `turn` makes samples flow.
-inline void expectReadingsDuringACallback(SoundSystem& system, const std::string& uid,
+/// Reads the meter and the state of an input on `uid`, and opens and closes another, while the first one's
+/// callback is held up: the window must not wait for a callback's work. `turn` makes samples flow.
+inline void expectNobodyWaitsForACallback(SoundSystem& system, const std::string& uid,
                                           const std::function<void()>& turn) {
     constexpr auto kPatience = std::chrono::seconds(10);
     std::binary_semaphore entered{0};
-    std::binary_semaphore readings{0};
+    std::binary_semaphore done{0};
     std::atomic<int> calls{0};
-    std::atomic<bool> readMeanwhile{false};
+    std::atomic<bool> doneMeanwhile{false};
     const auto hold = [&](AudioQueue& self, AudioQueueBuffer& buffer) {
         if (calls.fetch_add(1) == 0) {
             entered.release();
-            readMeanwhile = readings.try_acquire_for(kPatience);
+            doneMeanwhile = done.try_acquire_for(kPatience);
         }
         self.enqueueBuffer(buffer);
     };
@@ -79,10 +79,11 @@ inline void expectReadingsDuringACallback(SoundSystem& system, const std::string
     EXPECT_EQ(queue->state().phase, QueueState::Phase::Running);
     float volume = 0;
     system.getInputVolume(1, 1, volume);
-    readings.release();
+    startQueue(system, &SoundSystem::newInput, 2205, hold, uid)->stop();
+    done.release();
     clock.join();
     queue->stop();
-    EXPECT_TRUE(readMeanwhile);
+    EXPECT_TRUE(doneMeanwhile);
 }
 
 } // namespace sonotrace

@@ -73,9 +73,8 @@ Status LoopbackQueue::enqueueBuffer(AudioQueueBuffer& buffer) {
 }
 
 Status LoopbackQueue::start() {
-    wire_->connect(*this);
-    running_ = true;
-    return kNoError;
+    running_ = wire_->connect(*this);
+    return running_ ? kNoError : kStatusUnavailable;
 }
 
 Status LoopbackQueue::stop() {

@@ -26,10 +26,10 @@ public:
 
     bool isInput() const { return direction_ == Direction::Input; }
 
-    /// Adds the next samples of an output queue to `interleaved`. The clock's thread, under the wire's mutex.
+    /// Adds the next samples of an output queue to `interleaved`. The clock's thread.
     void play(std::span<std::int16_t> interleaved);
 
-    /// Takes the samples that arrive at an input queue. The clock's thread, under the wire's mutex.
+    /// Takes the samples that arrive at an input queue. The clock's thread.
     void capture(std::span<const std::int16_t> interleaved);
 
     Status setCurrentDevice(const std::string& uid) override;
