@@ -41,11 +41,11 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
     : system_(system),
       preferences_(preferences),
       ui_(std::make_unique<Ui::WaterfallWindow>()),
-      image_(std::make_unique<WaterfallImage>(parameters_)),
+      image_(std::make_unique<WaterfallImage>(parameters_, log_)),
       measurement_(parameters_) {
     systemLog("- (void)init");
     ui_->setupUi(&window_);
-    analysis_.emplace(parameters_, *image_);
+    analysis_.emplace(parameters_, *image_, log_);
     window_.setAttribute(Qt::WA_QuitOnClose, false);
     window_.resize(kDefaultSize);
     for (QLabel* label : {ui_->minDBText, ui_->maxDBText})
@@ -67,6 +67,7 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
 
 WaterfallController::~WaterfallController() {
     source_->stopSound();
+    log_.write();
 }
 
 void WaterfallController::awakeFromNib() {
@@ -202,7 +203,7 @@ void WaterfallController::updateBargraph() {
     parameters_.waterfallMinDB.store(static_cast<float>(ui_->minDbSlider->doubleValue()), kRelaxed);
     ui_->minDBText->setText(decibels("Min dB: %d", ui_->minDbSlider->doubleValue()));
     ui_->maxDBText->setText(decibels("Max dB: %d", ui_->maxDbSlider->doubleValue()));
-    image_->writeLineLog();
+    log_.write();
     if (redrawAsked_.exchange(0, kRelaxed) != 0)
         ui_->mainView->update();
     if (++ticks_ % kTicksPerState == 0)

@@ -74,6 +74,7 @@ private:
     QWidget window_;
     const std::unique_ptr<Ui::WaterfallWindow> ui_;
     WaterfallParameters parameters_;
+    DeferredLog log_;                             ///< of the capture thread
     const std::unique_ptr<WaterfallImage> image_; ///< several megabytes
     std::optional<WaterfallAnalysis> analysis_;
     WaterfallMeasurement measurement_;
