@@ -31,7 +31,8 @@ void bareTransform(benchmark::State& state, unsigned flags) {
 void transformOfALine(benchmark::State& state) {
     WaterfallParameters parameters;
     parameters.fftSizeLog2 = static_cast<std::int32_t>(state.range(0));
-    WaterfallTransform transform(parameters);
+    DeferredLog log;
+    WaterfallTransform transform(parameters, log);
     AlignedFloats frame(std::size_t{2} * kLargestFrameLength);
     for (auto _ : state) {
         benchmark::DoNotOptimize(transform.transform(frame));
@@ -54,7 +55,8 @@ void shift600RowsWithMemmove(benchmark::State& state) {
 void paintALineOf600Rows(benchmark::State& state) {
     WaterfallParameters parameters;
     parameters.waterfallEndFreq = 22050.0;
-    WaterfallImage image(parameters);
+    DeferredLog log;
+    WaterfallImage image(parameters, log);
     image.setBounds(1000.0, 600.0);
     std::vector<double> magnitudes(8192);
     std::mt19937 random(1);
@@ -71,9 +73,10 @@ void aSecondOfInput(benchmark::State& state) {
     parameters.fftSizeLog2 = static_cast<std::int32_t>(state.range(0));
     parameters.waterfallSpeedup = static_cast<std::int32_t>(state.range(1));
     parameters.waterfallEndFreq = 22050.0;
-    WaterfallImage image(parameters);
+    DeferredLog log;
+    WaterfallImage image(parameters, log);
     image.setBounds(1400.0, 800.0);
-    WaterfallAnalysis analysis(parameters, image);
+    WaterfallAnalysis analysis(parameters, image, log);
     std::vector<std::int16_t> noise(2 * 44100);
     std::mt19937 random(1);
     for (std::int16_t& sample : noise)
@@ -84,7 +87,8 @@ void aSecondOfInput(benchmark::State& state) {
 
 void copyTheVisiblePart(benchmark::State& state) {
     WaterfallParameters parameters;
-    const WaterfallImage image(parameters);
+    DeferredLog log;
+    const WaterfallImage image(parameters, log);
     std::vector<std::uint8_t> view(1500 * 800 * 4);
     for (auto _ : state) {
         image.copyRows(1024 - 800, 800, 1500, view.data(), 1500 * 4);

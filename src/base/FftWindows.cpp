@@ -71,8 +71,7 @@ constexpr std::array<double (*)(Position), kFftWindowTitles.size()> kWeights = {
 
 } // namespace
 
-void BuildNewWindowCoeffs(FftWindowType windowType, std::int64_t n, double* coeffs) {
-    systemLog("BuildNewWindowCoeffs %d N=%d", windowType, static_cast<std::int32_t>(n));
+void fillWindowCoeffs(FftWindowType windowType, std::int64_t n, double* coeffs) {
     if (n <= 0)
         return;
     const std::span<double> weights(coeffs, static_cast<std::size_t>(n));
@@ -83,6 +82,15 @@ void BuildNewWindowCoeffs(FftWindowType windowType, std::int64_t n, double* coef
     const auto weight = kWeights[static_cast<std::size_t>(windowType)];
     for (std::int64_t i = 0; i < n; ++i)
         weights[static_cast<std::size_t>(i)] = weight({static_cast<float>(i), static_cast<float>(n)});
+}
+
+void logWindowCoeffs(FftWindowType windowType, std::int64_t n) {
+    systemLog("BuildNewWindowCoeffs %d N=%d", windowType, static_cast<std::int32_t>(n));
+}
+
+void BuildNewWindowCoeffs(FftWindowType windowType, std::int64_t n, double* coeffs) {
+    logWindowCoeffs(windowType, n);
+    fillWindowCoeffs(windowType, n, coeffs);
 }
 
 } // namespace sonotrace

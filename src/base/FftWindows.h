@@ -14,9 +14,14 @@ inline constexpr std::array<const char*, 10> kFftWindowTitles = {
     "Rectangular", "Hann",    "Hamming",          "Tukey",   "Cosine", "Lanczos",
     "Blackman",    "Nuttall", "Blackman-Nuttall", "Flat top"};
 
-/// Writes the `n` weights of a window to `coeffs` and a line to the system log; with n <= 0 the line only.
-/// The windows are periodic (the denominator is n, not n - 1) and normalised neither to their sum nor to
-/// their peak. Any thread.
+/// Writes the `n` weights of a window to `coeffs`; with n <= 0 nothing. The windows are periodic (the
+/// denominator is n, not n - 1) and normalised neither to their sum nor to their peak. Any thread.
+void fillWindowCoeffs(FftWindowType windowType, std::int64_t n, double* coeffs);
+
+/// Writes the system log's line about a window that is built. Not for audio threads.
+void logWindowCoeffs(FftWindowType windowType, std::int64_t n);
+
+/// Both. Not for audio threads.
 void BuildNewWindowCoeffs(FftWindowType windowType, std::int64_t n, double* coeffs);
 
 } // namespace sonotrace

@@ -50,9 +50,10 @@ struct QueueState {
 /// them waits for the sound server. Only stop() and dispose() wait for a callback that is running.
 ///
 /// The callback gets each buffer that has been played (to be filled again) or captured (to be read), and
-/// gives it back with enqueueBuffer(). It runs on the queue's own thread, or on the run loop the queue was
-/// created with. It must not allocate, lock, wait, touch files or log, and must not stop the queue. Once
-/// stop() has returned it does not run any more, callbacks already posted to a run loop included.
+/// gives it back with enqueueBuffer(). It runs on the queue's own thread, where it must not allocate, lock,
+/// wait, touch files or log, or on the run loop the queue was created with, where it must not keep that
+/// thread from its other work for long. It must not stop its queue. Once stop() has returned it does not run
+/// any more, callbacks already posted to a run loop included.
 class AudioQueue {
 public:
     using Callback = std::function<void(AudioQueue& queue, AudioQueueBuffer& buffer)>;
@@ -62,11 +63,12 @@ public:
     /// Chooses the device by its persistent UID; an empty UID, or no call, means the server's default device.
     virtual Status setCurrentDevice(const std::string& uid) = 0;
 
-    /// Makes a zeroed buffer of `byteCapacity` bytes that lives as long as the queue.
+    /// Makes a zeroed buffer of `byteCapacity` bytes that lives as long as the queue. Before start(); a queue
+    /// has a handful of buffers at most.
     virtual Status allocateBuffer(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) = 0;
 
-    /// Hands a buffer to the queue, to be played or filled in the order given. Window thread before start(),
-    /// and the callback.
+    /// Hands a buffer to the queue, to be played or filled in the order given; kStatusBadArgument when as
+    /// many are enqueued as were allocated. Window thread before start(), and the callback.
     virtual Status enqueueBuffer(AudioQueueBuffer& buffer) = 0;
 
     virtual Status start() = 0;

@@ -4,17 +4,10 @@
 
 namespace sonotrace {
 
-/// What a posted task holds on to, so that it finds out that its queue is gone.
-struct CallbackDelivery::Target {
-    AudioQueue* queue;
-    AudioQueue::Callback callback;
-    std::atomic<bool> cancelled{false};
-};
-
 CallbackDelivery::CallbackDelivery(AudioQueue& queue, AudioQueue::Callback callback, RunLoop* runLoop)
-    : target_(std::make_shared<Target>()), runLoop_(runLoop) {
-    target_->queue = &queue;
-    target_->callback = std::move(callback);
+    : queue_(queue), callback_(std::move(callback)), runLoop_(runLoop) {
+    if (runLoop_)
+        runLoop_->add(*this);
 }
 
 CallbackDelivery::~CallbackDelivery() {
@@ -22,18 +15,27 @@ CallbackDelivery::~CallbackDelivery() {
 }
 
 void CallbackDelivery::deliver(AudioQueueBuffer& buffer) {
-    if (!runLoop_) {
-        target_->callback(*target_->queue, buffer);
-        return;
+    if (!runLoop_)
+        callback_(queue_, buffer);
+    else if (posted_.push(&buffer)) // always, unless its user enqueues a buffer that is posted already
+        runLoop_->wake();
+}
+
+/// Not what is posted meanwhile: that wakes the loop again, and other sources want to run too. Less when a
+/// callback runs the loop itself, or stops its queue.
+void CallbackDelivery::run() {
+    for (std::uint32_t count = posted_.size(); count > 0 && posted_.size() > 0; --count) {
+        AudioQueueBuffer& buffer = *posted_[0];
+        posted_.pop();
+        callback_(queue_, buffer);
     }
-    runLoop_->post([target = target_, &buffer] {
-        if (!target->cancelled.load(std::memory_order_acquire))
-            target->callback(*target->queue, buffer);
-    });
 }
 
 void CallbackDelivery::cancel() {
-    target_->cancelled.store(true, std::memory_order_release);
+    if (!runLoop_)
+        return;
+    runLoop_->remove(*this);
+    posted_.clear();
 }
 
 } // namespace sonotrace

@@ -1,18 +1,16 @@
 #pragma once
 
 #include "platform/AudioQueue.h"
+#include "platform/BufferQueue.h"
 #include "platform/RunLoop.h"
-
-#include <atomic>
-#include <memory>
 
 namespace sonotrace {
 
-/// Runs a queue's callback where its owner asked for it: at once on the calling thread, or posted to a run
-/// loop. After cancel() no posted callback runs any more.
-class CallbackDelivery {
+/// Runs a queue's callback where its owner asked for it: at once on the calling thread, or on a run loop.
+/// After cancel() no posted callback runs any more.
+class CallbackDelivery : private RunLoop::Source {
 public:
-    /// `runLoop` may be null: the callback then runs inside deliver().
+    /// `runLoop` may be null: the callback then runs inside deliver(). The run loop's thread.
     CallbackDelivery(AudioQueue& queue, AudioQueue::Callback callback, RunLoop* runLoop);
     ~CallbackDelivery();
     CallbackDelivery(const CallbackDelivery&) = delete;
@@ -25,10 +23,12 @@ public:
     void cancel();
 
 private:
-    struct Target;
+    void run() override;
 
-    std::shared_ptr<Target> target_;
-    RunLoop* runLoop_;
+    AudioQueue& queue_;
+    const AudioQueue::Callback callback_;
+    RunLoop* const runLoop_;
+    BufferRing posted_;
 };
 
 } // namespace sonotrace

@@ -18,8 +18,8 @@ static_assert(kLargestFrameLength + kCaptureFramesPerBuffer < SampleRing::kSampl
 
 } // namespace
 
-WaterfallAnalysis::WaterfallAnalysis(WaterfallParameters& parameters, WaterfallImage& image)
-    : parameters_(parameters), image_(image), frames_(parameters, ring_) {}
+WaterfallAnalysis::WaterfallAnalysis(WaterfallParameters& parameters, WaterfallImage& image, DeferredLog& log)
+    : parameters_(parameters), image_(image), frames_(parameters, ring_, log) {}
 
 void WaterfallAnalysis::capture(std::span<const std::int16_t> interleaved) {
     if (pass_.isUnderWay() && pass_.speedup != parameters_.waterfallSpeedup.load(std::memory_order_relaxed))

@@ -28,7 +28,8 @@ namespace sonotrace {
 /// while the ring is full are lost, and another speed-up ends it.
 class WaterfallAnalysis {
 public:
-    WaterfallAnalysis(WaterfallParameters& parameters, WaterfallImage& image);
+    /// All arguments outlive the analysis.
+    WaterfallAnalysis(WaterfallParameters& parameters, WaterfallImage& image, DeferredLog& log);
 
     /// Takes one captured buffer of interleaved stereo and paints the lines it completes. Capture thread.
     void capture(std::span<const std::int16_t> interleaved);

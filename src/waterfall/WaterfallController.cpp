@@ -38,8 +38,8 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
       system_(system),
       preferences_(preferences),
       ui_(std::make_unique<Ui::WaterfallWindow>()),
-      image_(std::make_unique<WaterfallImage>(parameters_)),
-      analysis_(parameters_, *image_),
+      image_(std::make_unique<WaterfallImage>(parameters_, log_)),
+      analysis_(parameters_, *image_, log_),
       measurement_(parameters_) {
     ui_->setupUi(&window_);
     keepRoom({ui_->minDBText, ui_->maxDBText});
@@ -58,7 +58,10 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
     connect(source_.get(), &InputSource::started, this, &WaterfallController::addBargraphTimer);
 }
 
-WaterfallController::~WaterfallController() = default;
+WaterfallController::~WaterfallController() {
+    source_.reset();
+    log_.write();
+}
 
 void WaterfallController::awakeFromNib() {
     ui_->mainView->setModel(*image_);
@@ -188,7 +191,7 @@ void WaterfallController::updateBargraph() {
     parameters_.waterfallMinDB.store(static_cast<float>(ui_->minDbSlider->doubleValue()), kRelaxed);
     ui_->minDBText->setText(decibels("Min dB: %d", ui_->minDbSlider->doubleValue()));
     ui_->maxDBText->setText(decibels("Max dB: %d", ui_->maxDbSlider->doubleValue()));
-    image_->writeLineLog();
+    log_.write();
     if (redrawAsked_.exchange(0, kRelaxed) != 0)
         ui_->mainView->update();
 }

@@ -62,6 +62,7 @@ private:
     Preferences& preferences_;
     const std::unique_ptr<Ui::WaterfallWindow> ui_;
     WaterfallParameters parameters_;
+    DeferredLog log_;                             ///< of the capture thread
     const std::unique_ptr<WaterfallImage> image_; ///< several megabytes
     WaterfallAnalysis analysis_;
     WaterfallMeasurement measurement_;

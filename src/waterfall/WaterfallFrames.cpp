@@ -13,12 +13,17 @@ constexpr std::size_t kScratchFloats = 1048576;
 constexpr std::size_t kMagnitudes = 524288;
 static_assert(kWorkFloats >= 4 * kLargestFrameLength, "a slide reads up to 2 N complex numbers");
 
+void logWindow(const LogRecord::Values& values) {
+    logWindowCoeffs(static_cast<FftWindowType>(values[0]), static_cast<std::int64_t>(values[1]));
+}
+
 } // namespace
 
-WaterfallFrames::WaterfallFrames(WaterfallParameters& parameters, SampleRing& ring)
+WaterfallFrames::WaterfallFrames(WaterfallParameters& parameters, SampleRing& ring, DeferredLog& log)
     : parameters_(parameters),
       ring_(ring),
-      transform_(parameters),
+      log_(log),
+      transform_(parameters, log),
       waterfallWork_(kWorkFloats),
       waterfallScratch_(kScratchFloats),
       waterfallMagnitudes_(kMagnitudes),
@@ -32,7 +37,8 @@ void WaterfallFrames::updateCoefficients(std::int32_t length) {
     const FftWindowType type = parameters_.waterfallWindowType.load(std::memory_order_relaxed);
     if (length == coefficientLength_ && type == coefficientType_)
         return;
-    BuildNewWindowCoeffs(type, length, waterfallCoeffs_.data());
+    log_.add({logWindow, {double(type), double(length)}});
+    fillWindowCoeffs(type, length, waterfallCoeffs_.data());
     coefficientLength_ = length;
     coefficientType_ = type;
 }

@@ -17,7 +17,7 @@ namespace sonotrace {
 /// destroyed on the window thread. Throws std::bad_alloc.
 class WaterfallFrames {
 public:
-    WaterfallFrames(WaterfallParameters& parameters, SampleRing& ring);
+    WaterfallFrames(WaterfallParameters& parameters, SampleRing& ring, DeferredLog& log);
 
     /// Builds the window of `length` samples if it is not the one at hand.
     void updateCoefficients(std::int32_t length);
@@ -47,6 +47,7 @@ private:
 
     WaterfallParameters& parameters_;
     SampleRing& ring_;
+    DeferredLog& log_;
     WaterfallTransform transform_;
     AlignedFloats waterfallWork_;    ///< the plain frame, or the sliding one as complex numbers
     AlignedFloats waterfallScratch_; ///< the sliding frame, weighted

@@ -58,7 +58,7 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
     const WaterfallBounds bounds = this->bounds();
     LineStatistics statistics;
     if (!(bounds.height > 0.0F) || magnitudes.empty()) {
-        lineLog_.add(statistics); // nothing to paint on yet: the line is lost
+        log_.add(statistics.logRecord()); // nothing to paint on yet: the line is lost
         return;
     }
     bins_.setScale({.startFreq = parameters_.waterfallStartFreq.load(kRelaxed),
@@ -94,7 +94,7 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
     // The level follows the magnitude upward, or downward with crossed limits: its extremes are at the ends.
     statistics.addLevel(scale.level(audible.smallest));
     statistics.addLevel(scale.level(audible.largest));
-    lineLog_.add(statistics);
+    log_.add(statistics.logRecord());
 }
 
 } // namespace sonotrace

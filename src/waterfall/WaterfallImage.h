@@ -25,7 +25,8 @@ struct WaterfallBounds {
 /// The capture thread paints, the window thread shows and says how large the view is.
 class WaterfallImage {
 public:
-    explicit WaterfallImage(const WaterfallParameters& parameters) : parameters_(parameters) {}
+    WaterfallImage(const WaterfallParameters& parameters, DeferredLog& log)
+        : parameters_(parameters), log_(log) {}
 
     /// Describes the picture's format on the system log. Window thread.
     void myinit() const;
@@ -51,18 +52,12 @@ public:
         offscreen_.copyRows(firstRow, rows, columns, rgba, bytesPerLine);
     }
 
-    /// Writes the log line of each line drawn since the last call. Window thread.
-    void writeLineLog() { lineLog_.writeLog(); }
-
-    /// Lines whose log line was left out because the window thread lagged behind. Any thread.
-    std::uint32_t unloggedLines() const { return lineLog_.lost(); }
-
 private:
     const WaterfallParameters& parameters_;
+    DeferredLog& log_;
     ColorMap colors_;
     RowBins bins_; ///< capture thread
     ScrollingBitmap offscreen_;
-    LineStatisticsLog lineLog_;
     std::atomic<std::uint64_t> bounds_{0}; ///< both sizes' bits in one value, so that they change together
     static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
 };

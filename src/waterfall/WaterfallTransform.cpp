@@ -18,10 +18,19 @@ fftwf_complex* complexNumbers(AlignedFloats& floats) {
     return reinterpret_cast<fftwf_complex*>(floats.data());
 }
 
+/// Lengths as powers of two and as numbers, the old one and the new one.
+void logNewLength(const LogRecord::Values& values) {
+    const auto newLog2 = static_cast<std::int32_t>(values[2]);
+    systemLog("log2SampleLength=%d  waterfallFftLen=%g", static_cast<std::int32_t>(values[0]), values[1]);
+    systemLog("setting log2SampleLength=%d  waterfallFftLen=%g", newLog2, values[3]);
+    systemLog("BufferMemory malloc: %g", values[3]);
+    systemLog("vDSP_create_fftsetup  %d", newLog2);
+}
+
 } // namespace
 
-WaterfallTransform::WaterfallTransform(WaterfallParameters& parameters)
-    : parameters_(parameters), bufferMemory_(kSpectrumFloats) {
+WaterfallTransform::WaterfallTransform(WaterfallParameters& parameters, DeferredLog& log)
+    : parameters_(parameters), log_(log), bufferMemory_(kSpectrumFloats) {
     AlignedFloats frame(kLargestFrameLength);
     for (int log2Length = kSmallestLog2Length; log2Length <= kLargestLog2Length; ++log2Length) {
         // The frame is overwritten with the result anyway, so the plan may use it as scratch space.
@@ -46,12 +55,9 @@ std::int32_t WaterfallTransform::adoptRequestedLength() {
     const double newLength = std::ldexp(1.0, requested);
     // The length alone differs when the window's start-up has set it after the first line.
     if (requested != inForce || oldLength != newLength) {
-        systemLog("log2SampleLength=%d  waterfallFftLen=%g", inForce, oldLength);
+        log_.add({logNewLength, {double(inForce), oldLength, double(requested), newLength}});
         parameters_.log2SampleLength.store(requested, std::memory_order_relaxed);
         parameters_.waterfallFftLen.store(newLength, std::memory_order_relaxed);
-        systemLog("setting log2SampleLength=%d  waterfallFftLen=%g", requested, newLength);
-        systemLog("BufferMemory malloc: %g", newLength);
-        systemLog("vDSP_create_fftsetup  %d", requested);
     }
     return 1 << requested;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/DeferredLog.h"
 #include "waterfall/AlignedFloats.h"
 #include "waterfall/WaterfallParameters.h"
 
@@ -23,13 +24,13 @@ namespace sonotrace {
 /// thread. Throws std::bad_alloc.
 class WaterfallTransform {
 public:
-    explicit WaterfallTransform(WaterfallParameters& parameters);
+    WaterfallTransform(WaterfallParameters& parameters, DeferredLog& log);
     ~WaterfallTransform();
     WaterfallTransform(const WaterfallTransform&) = delete;
     WaterfallTransform& operator=(const WaterfallTransform&) = delete;
 
-    /// Takes up the requested length if it is not the one in force, with a few lines on the system log: once
-    /// per choice of the user, not per line. Returns the length in force.
+    /// Takes up the requested length if it is not the one in force, and logs a few lines about it: once per
+    /// choice of the user, not per line. Returns the length in force.
     std::int32_t adoptRequestedLength();
 
     /// Adopts the requested length and transforms the first N numbers of the frame, which holds at least
@@ -38,6 +39,7 @@ public:
 
 private:
     WaterfallParameters& parameters_;
+    DeferredLog& log_;
     std::array<fftwf_plan_s*, kLargestLog2Length + 1> setups_{}; ///< by log2 of the length; none below 6
     AlignedFloats bufferMemory_; ///< the natural layout: N/2 + 1 complex numbers
 };

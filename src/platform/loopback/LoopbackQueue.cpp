@@ -18,11 +18,11 @@ LoopbackQueue::~LoopbackQueue() {
 
 void LoopbackQueue::play(std::span<std::int16_t> interleaved) {
     while (!interleaved.empty()) {
-        if (queued_.empty()) {
+        if (queued_.size() == 0) {
             underruns_.fetch_add(1, std::memory_order_relaxed);
             return;
         }
-        AudioQueueBuffer& buffer = *queued_.front();
+        AudioQueueBuffer& buffer = queued_[0];
         const std::size_t end = buffer.byteSize / sizeof(std::int16_t);
         const std::size_t count = std::min(interleaved.size(), end - position_);
         for (std::size_t i = 0; i < count; ++i)
@@ -30,7 +30,7 @@ void LoopbackQueue::play(std::span<std::int16_t> interleaved) {
         interleaved = interleaved.subspan(count);
         position_ += count;
         if (position_ == end) {
-            queued_.pop_front();
+            queued_.pop();
             position_ = 0;
             delivery_.deliver(buffer);
         }
@@ -40,12 +40,12 @@ void LoopbackQueue::play(std::span<std::int16_t> interleaved) {
 void LoopbackQueue::capture(std::span<const std::int16_t> interleaved) {
     level_.add(interleaved);
     while (!interleaved.empty()) {
-        if (queued_.empty()) {
+        if (queued_.size() == 0) {
             underruns_.fetch_add(
                 1, std::memory_order_relaxed); // the user holds all buffers: these samples have nowhere to go
             return;
         }
-        AudioQueueBuffer& buffer = *queued_.front();
+        AudioQueueBuffer& buffer = queued_[0];
         const std::size_t end = buffer.allSamples().size();
         const std::size_t count = std::min(interleaved.size(), end - position_);
         std::copy_n(interleaved.begin(), count, buffer.samples.get() + position_);
@@ -53,7 +53,7 @@ void LoopbackQueue::capture(std::span<const std::int16_t> interleaved) {
         position_ += count;
         if (position_ == end) {
             buffer.byteSize = buffer.byteCapacity;
-            queued_.pop_front();
+            queued_.pop();
             position_ = 0;
             delivery_.deliver(buffer);
         }
@@ -65,23 +65,16 @@ Status LoopbackQueue::setCurrentDevice(const std::string& uid) {
 }
 
 Status LoopbackQueue::allocateBuffer(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) {
-    buffers_.push_back(std::make_unique<AudioQueueBuffer>(byteCapacity));
-    buffer = buffers_.back().get();
-    return kNoError;
+    return queued_.allocate(byteCapacity, buffer);
 }
 
 Status LoopbackQueue::enqueueBuffer(AudioQueueBuffer& buffer) {
-    if (buffer.byteSize < sizeof(std::int16_t) || buffer.byteSize > buffer.byteCapacity)
-        return kStatusBadArgument;
-    const std::lock_guard lock(wire_->mutex());
-    queued_.push_back(&buffer);
-    return kNoError;
+    return queued_.enqueue(buffer);
 }
 
 Status LoopbackQueue::start() {
-    wire_->connect(*this);
-    running_ = true;
-    return kNoError;
+    running_ = wire_->connect(*this);
+    return running_ ? kNoError : kStatusUnavailable;
 }
 
 Status LoopbackQueue::stop() {

@@ -1,16 +1,15 @@
 #pragma once
 
 #include "platform/AudioQueue.h"
+#include "platform/BufferQueue.h"
 #include "platform/CallbackDelivery.h"
 #include "platform/LevelAccumulator.h"
 #include "platform/SoundSystem.h"
 
 #include <atomic>
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <span>
-#include <vector>
 
 namespace sonotrace {
 
@@ -27,10 +26,10 @@ public:
 
     bool isInput() const { return direction_ == Direction::Input; }
 
-    /// Adds the next samples of an output queue to `interleaved`. The clock's thread, under the wire's mutex.
+    /// Adds the next samples of an output queue to `interleaved`. The clock's thread.
     void play(std::span<std::int16_t> interleaved);
 
-    /// Takes the samples that arrive at an input queue. The clock's thread, under the wire's mutex.
+    /// Takes the samples that arrive at an input queue. The clock's thread.
     void capture(std::span<const std::int16_t> interleaved);
 
     Status setCurrentDevice(const std::string& uid) override;
@@ -47,8 +46,7 @@ private:
     const std::shared_ptr<LoopbackWire> wire_;
     const Direction direction_;
     CallbackDelivery delivery_;
-    std::vector<std::unique_ptr<AudioQueueBuffer>> buffers_;
-    std::deque<AudioQueueBuffer*> queued_;
+    BufferQueue queued_;
     std::size_t position_ = 0; ///< samples of the first queued buffer that have been played or captured
     bool running_ = false;     ///< window thread
     LevelAccumulator level_;

@@ -84,8 +84,8 @@ void PulseInputQueue::watchForLoss(pa_stream& stream) {
 /// Fills enqueued buffers from where the fragment was left and delivers the full ones. The bytes stored.
 std::size_t PulseInputQueue::store(const std::int16_t* samples, std::size_t bytes) {
     std::size_t stored = 0;
-    while (fragmentPosition_ + stored < bytes && !queued_.empty()) {
-        AudioQueueBuffer& buffer = *queued_.front();
+    while (fragmentPosition_ + stored < bytes && queued_.size() > 0) {
+        AudioQueueBuffer& buffer = queued_[0];
         const std::size_t from = fragmentPosition_ + stored;
         const std::size_t count = std::min<std::size_t>(bytes - from, buffer.byteCapacity - bufferPosition_);
         auto* const to = reinterpret_cast<std::byte*>(buffer.samples.get()) + bufferPosition_;
@@ -98,7 +98,7 @@ std::size_t PulseInputQueue::store(const std::int16_t* samples, std::size_t byte
         if (bufferPosition_ == buffer.byteCapacity) {
             bufferPosition_ = 0;
             buffer.byteSize = buffer.byteCapacity;
-            queued_.pop_front();
+            queued_.pop();
             delivery_.deliver(buffer);
         }
     }

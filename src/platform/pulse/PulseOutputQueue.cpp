@@ -31,7 +31,7 @@ void PulseOutputQueue::streamReady(pa_context&, pa_stream& stream) {
 
 void PulseOutputQueue::writeQueued(pa_stream& stream) {
     for (; written_ < queued_.size(); ++written_) {
-        const AudioQueueBuffer& buffer = *queued_[written_];
+        const AudioQueueBuffer& buffer = queued_[written_];
         if (pa_stream_write(&stream, buffer.samples.get(), buffer.byteSize, nullptr, 0, PA_SEEK_RELATIVE) < 0)
             return;
     }
@@ -39,9 +39,9 @@ void PulseOutputQueue::writeQueued(pa_stream& stream) {
 
 void PulseOutputQueue::transfer(pa_stream& stream) {
     writeQueued(stream);
-    while (written_ > 0 && room(stream) >= queued_.front()->byteSize) {
-        AudioQueueBuffer& played = *queued_.front();
-        queued_.pop_front();
+    while (written_ > 0 && room(stream) >= queued_[0].byteSize) {
+        AudioQueueBuffer& played = queued_[0];
+        queued_.pop();
         --written_;
         delivery_.deliver(played);
         writeQueued(stream);

@@ -26,7 +26,7 @@ private:
     void writeQueued(pa_stream& stream);
     std::size_t room(pa_stream& stream) const;
 
-    std::size_t written_ = 0; ///< how many of the queued buffers the present stream has
+    std::uint32_t written_ = 0; ///< how many of the queued buffers the present stream has
 };
 
 } // namespace sonotrace

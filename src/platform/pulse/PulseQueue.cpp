@@ -43,24 +43,17 @@ Status PulseQueue::setCurrentDevice(const std::string& uid) {
 }
 
 Status PulseQueue::allocateBuffer(std::uint32_t byteCapacity, AudioQueueBuffer*& buffer) {
-    if (byteCapacity == 0 || byteCapacity % format_.bytesPerFrame != 0)
-        return kStatusBadArgument; // the streams carry whole frames only
-    buffers_.push_back(std::make_unique<AudioQueueBuffer>(byteCapacity));
-    buffer = buffers_.back().get();
-    return kNoError;
+    return queued_.allocate(byteCapacity, buffer);
 }
 
 Status PulseQueue::enqueueBuffer(AudioQueueBuffer& buffer) {
     const PulseLock lock(loop());
-    if (buffer.byteSize == 0 || buffer.byteSize % format_.bytesPerFrame != 0 ||
-        buffer.byteSize > buffer.byteCapacity)
-        return kStatusBadArgument;
-    queued_.push_back(&buffer);
+    const Status enqueued = queued_.enqueue(buffer);
     // On the loop's own thread transfer() is running and goes on with the buffer by itself.
-    if (stream_ && pa_stream_get_state(stream_.get()) == PA_STREAM_READY &&
+    if (enqueued == kNoError && stream_ && pa_stream_get_state(stream_.get()) == PA_STREAM_READY &&
         !pa_threaded_mainloop_in_thread(loop()))
         transfer(*stream_);
-    return kNoError;
+    return enqueued;
 }
 
 Status PulseQueue::start() {

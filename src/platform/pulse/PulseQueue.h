@@ -1,16 +1,15 @@
 #pragma once
 
 #include "platform/AudioQueue.h"
+#include "platform/BufferQueue.h"
 #include "platform/CallbackDelivery.h"
 #include "platform/SoundSystem.h"
 #include "platform/pulse/PulseConnection.h"
 
 #include <atomic>
-#include <deque>
 #include <memory>
 #include <mutex>
 #include <string>
-#include <vector>
 
 namespace sonotrace {
 
@@ -47,7 +46,7 @@ protected:
     PulseDevices& devices_;
     const StreamDescription format_;
     CallbackDelivery delivery_;
-    std::deque<AudioQueueBuffer*> queued_; ///< enqueued, the oldest first
+    BufferQueue queued_;
     void countUnderrun() { underruns_.fetch_add(1, std::memory_order_relaxed); }
 
 private:
@@ -68,7 +67,6 @@ private:
     bool standIn_ = false; ///< the stream was opened on the default device though another was asked for
     std::atomic<pa_usec_t> flowed_{0}; ///< when samples were last moved
     std::atomic<std::uint64_t> underruns_{0};
-    std::vector<std::unique_ptr<AudioQueueBuffer>> buffers_;
     // Not the connection's lock: that is held while a callback runs, which may take its time.
     mutable std::mutex stateMutex_;
     QueueState state_; ///< under stateMutex_; changes only when the stream begins, ends or moves

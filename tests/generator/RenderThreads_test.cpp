@@ -1,0 +1,58 @@
+#include "support/RenderBench.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <thread>
+#include <unistd.h>
+
+namespace sonotrace {
+namespace {
+
+TEST(RenderThreads, WhateverTheUserDoesMeanwhileARecordingIsWhatIsPlayed) {
+    const auto path = std::filesystem::temp_directory_path() / ("render" + std::to_string(getpid()));
+    std::mt19937 random(3);
+    const auto pick = [&random](int end) { return std::uniform_int_distribution(0, end - 1)(random); };
+    RenderBench bench;
+    std::vector<std::int16_t> played;
+    for (const bool recordsAll : {false, true}) {
+        if (recordsAll)
+            bench.recorder.start(path);
+        std::atomic<bool> rendering{true};
+        std::thread audio([&] {
+            played = bench.render(40); // less than the recorder's ring holds
+            rendering = false;
+        });
+        while (rendering) {
+            bench.set(static_cast<std::size_t>(pick(kGeneratorCount)),
+                      {pick(20000) / 1.0, pick(360) / 1.0, 0.5, 1, pick(8), pick(2)});
+            bench.setSweep(pick(20000), pick(20000), pick(90000));
+            bench.sweep.reverse = pick(2);
+            bench.sweep.log = pick(2);
+            if (pick(2) == 0)
+                bench.sweep.startOneShot();
+            if (pick(2) == 0)
+                bench.output.syncPhases();
+            const int action = pick(recordsAll ? 100 : 102); // rarely: it logs
+            if (action == 0)
+                bench.recorder.flush();
+            else if (action == 100)
+                bench.recorder.start(path);
+            else if (action == 101)
+                bench.recorder.stop();
+        }
+        audio.join();
+    }
+    EXPECT_TRUE(bench.recorder.stop());
+    std::ifstream file(path, std::ios::binary);
+    const std::vector<char> recorded(std::istreambuf_iterator<char>(file), {});
+    std::filesystem::remove(path);
+    ASSERT_EQ(recorded.size(), kWavHeaderBytes + 2 * played.size());
+    EXPECT_EQ(std::memcmp(recorded.data() + kWavHeaderBytes, played.data(), 2 * played.size()), 0);
+}
+
+} // namespace
+} // namespace sonotrace
