@@ -20,18 +20,30 @@ QString readout(double peak) {
     return decibels < kLevelScaleFloor ? "−∞ dB" : QString("%1 dB").arg(decibels, 0, 'f', 1);
 }
 
+/// Where a level lies on the bar.
+double placeOnBar(const QRectF& bar, double decibels) {
+    return bar.left() + bar.width() * levelPosition(decibels);
+}
+
 } // namespace
 
-LevelIndicator::LevelIndicator(QWidget* parent) : QWidget(parent) {
+LevelIndicator::LevelIndicator(QWidget* parent) : QWidget(parent), readout_(readout(0.0)) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
 void LevelIndicator::setDoubleValue(double value) {
-    if (value == value_)
-        return;
+    const auto lastPixel = [this, bar = barBounds()](double peak) {
+        return std::lround(placeOnBar(bar, decibelsOfPeak(peak)) * devicePixelRatio());
+    };
+    const QString text = readout(value);
+    // Repaint only what can be seen: it takes a round trip to the display.
+    if (text != readout_ || lastPixel(value) != lastPixel(value_))
+        update();
+    if (text != readout_)
+        setAccessibleDescription(QString("Input level, %1").arg(text));
+    readout_ = text;
     value_ = value;
-    setAccessibleDescription(QString("Input level, %1").arg(readout(value_)));
-    update();
 }
 
 QSize LevelIndicator::sizeHint() const {
@@ -44,10 +56,15 @@ QSize LevelIndicator::minimumSizeHint() const {
     return {metrics.horizontalAdvance("-00.0 dB") * 2, metrics.height() + 4};
 }
 
+QRectF LevelIndicator::barBounds() const {
+    const int textWidth = fontMetrics().horizontalAdvance("-00.0 dB ") + 4;
+    return {0.5, 2.5, std::max(1, width() - textWidth) - 1.0, height() - 5.0};
+}
+
 void LevelIndicator::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const int textWidth = fontMetrics().horizontalAdvance("-00.0 dB ") + 4;
-    const QRectF bar(0.5, 2.5, std::max(1, width() - textWidth) - 1, height() - 5);
+    painter.fillRect(rect(), palette().window());
+    const QRectF bar = barBounds();
     painter.fillRect(bar, palette().color(QPalette::Base));
 
     const double decibels = decibelsOfPeak(value_);
@@ -56,19 +73,19 @@ void LevelIndicator::paintEvent(QPaintEvent*) {
         const QColor& colour;
     } zones[] = {{kLevelScaleFloor, kWarning, kQuiet}, {kWarning, kAlarm, kLoud}, {kAlarm, 0.0, kTooLoud}};
     for (const auto& zone : zones) {
-        const double left = bar.left() + bar.width() * levelPosition(zone.from);
-        const double right = bar.left() + bar.width() * levelPosition(std::min(zone.to, decibels));
+        const double left = placeOnBar(bar, zone.from);
+        const double right = placeOnBar(bar, std::min(zone.to, decibels));
         if (right > left)
             painter.fillRect(QRectF(left, bar.top(), right - left, bar.height()), zone.colour);
     }
     painter.setPen(palette().color(QPalette::Mid));
     for (double tick = kLevelScaleFloor; tick < 0.0; tick += 12.0) {
-        const double x = std::round(bar.left() + bar.width() * levelPosition(tick)) + 0.5;
+        const double x = std::round(placeOnBar(bar, tick)) + 0.5;
         painter.drawLine(QPointF(x, bar.bottom() - 3), QPointF(x, bar.bottom()));
     }
     painter.drawRect(bar);
     painter.setPen(palette().color(QPalette::WindowText));
-    painter.drawText(rect(), Qt::AlignRight | Qt::AlignVCenter, readout(value_));
+    painter.drawText(rect(), Qt::AlignRight | Qt::AlignVCenter, readout_);
 }
 
 } // namespace sonotrace

@@ -24,7 +24,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    QRectF barBounds() const;
+
     double value_ = 0.0;
+    QString readout_; ///< the value as text
 };
 
 } // namespace sonotrace
