@@ -5,6 +5,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 namespace sonotrace {
 
@@ -28,6 +29,10 @@ void SpectrumView::setModel(const SpectrumAnalysis& analysis, const SpectrumDisp
     analysis_ = &analysis;
     display_ = &display;
     update();
+}
+
+QSize SpectrumView::minimumSizeHint() const {
+    return {320, static_cast<int>(std::ceil(SpectrumGrid::kLowestView))};
 }
 
 void SpectrumView::paintEvent(QPaintEvent*) {
