@@ -30,11 +30,12 @@ double placeOnBar(const QRectF& bar, double decibels) {
 LevelIndicator::LevelIndicator(QWidget* parent) : QWidget(parent), readout_(readout(0.0)) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAttribute(Qt::WA_OpaquePaintEvent);
+    placeBar();
 }
 
 void LevelIndicator::setDoubleValue(double value) {
-    const auto lastPixel = [this, bar = barBounds()](double peak) {
-        return std::lround(placeOnBar(bar, decibelsOfPeak(peak)) * devicePixelRatio());
+    const auto lastPixel = [this](double peak) {
+        return std::lround(placeOnBar(bar_, decibelsOfPeak(peak)) * devicePixelRatio());
     };
     const QString text = readout(value);
     // Repaint only what can be seen: it takes a round trip to the display.
@@ -56,16 +57,25 @@ QSize LevelIndicator::minimumSizeHint() const {
     return {metrics.horizontalAdvance("-00.0 dB") * 2, metrics.height() + 4};
 }
 
-QRectF LevelIndicator::barBounds() const {
+void LevelIndicator::resizeEvent(QResizeEvent*) {
+    placeBar();
+}
+
+void LevelIndicator::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    placeBar();
+}
+
+/// Leaves room for the readout. (To measure a text takes longer than all else about a new value.)
+void LevelIndicator::placeBar() {
     const int textWidth = fontMetrics().horizontalAdvance("-00.0 dB ") + 4;
-    return {0.5, 2.5, std::max(1, width() - textWidth) - 1.0, height() - 5.0};
+    bar_ = QRectF(0.5, 2.5, std::max(1, width() - textWidth) - 1.0, height() - 5.0);
 }
 
 void LevelIndicator::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().window());
-    const QRectF bar = barBounds();
-    painter.fillRect(bar, palette().color(QPalette::Base));
+    painter.fillRect(bar_, palette().color(QPalette::Base));
 
     const double decibels = decibelsOfPeak(value_);
     const struct {
@@ -73,17 +83,17 @@ void LevelIndicator::paintEvent(QPaintEvent*) {
         const QColor& colour;
     } zones[] = {{kLevelScaleFloor, kWarning, kQuiet}, {kWarning, kAlarm, kLoud}, {kAlarm, 0.0, kTooLoud}};
     for (const auto& zone : zones) {
-        const double left = placeOnBar(bar, zone.from);
-        const double right = placeOnBar(bar, std::min(zone.to, decibels));
+        const double left = placeOnBar(bar_, zone.from);
+        const double right = placeOnBar(bar_, std::min(zone.to, decibels));
         if (right > left)
-            painter.fillRect(QRectF(left, bar.top(), right - left, bar.height()), zone.colour);
+            painter.fillRect(QRectF(left, bar_.top(), right - left, bar_.height()), zone.colour);
     }
     painter.setPen(palette().color(QPalette::Mid));
     for (double tick = kLevelScaleFloor; tick < 0.0; tick += 12.0) {
-        const double x = std::round(placeOnBar(bar, tick)) + 0.5;
-        painter.drawLine(QPointF(x, bar.bottom() - 3), QPointF(x, bar.bottom()));
+        const double x = std::round(placeOnBar(bar_, tick)) + 0.5;
+        painter.drawLine(QPointF(x, bar_.bottom() - 3), QPointF(x, bar_.bottom()));
     }
-    painter.drawRect(bar);
+    painter.drawRect(bar_);
     painter.setPen(palette().color(QPalette::WindowText));
     painter.drawText(rect(), Qt::AlignRight | Qt::AlignVCenter, readout_);
 }
