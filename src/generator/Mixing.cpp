@@ -1,19 +1,14 @@
 #include "generator/Mixing.h"
 
 #include "base/Numbers.h"
+#include "base/WideVectors.h"
 
 #include <algorithm>
 #include <cmath>
 
 // The inner loops are written for the compiler's vectoriser, for which a conversion may have no condition
 // around it: a number that does not fit is exchanged for one that does, and then all are converted. `tame`
-// says that all fit, and the compiler makes a loop without the question of it. Where the loader can choose by
-// processor, it gets a version with wider vectors; the bits are the same.
-#if defined(__x86_64__) && !defined(__SANITIZE_THREAD__) && !defined(__SANITIZE_ADDRESS__)
-#define SONOTRACE_WIDE_VECTORS [[gnu::target_clones("avx2", "default")]]
-#else
-#define SONOTRACE_WIDE_VECTORS
-#endif
+// says that all fit, and the compiler makes a loop without the question of it.
 
 namespace sonotrace {
 

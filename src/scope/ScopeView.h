@@ -1,14 +1,17 @@
 #pragma once
 
+#include "scope/ScopeColumns.h"
 #include "scope/ScopeTrace.h"
 
 #include <QPolygonF>
 #include <QWidget>
 
+#include <vector>
+
 namespace sonotrace {
 
-/// Paints the traces of both channels, green on black. All it paints comes as points from the engine, whose y
-/// grows upward.
+/// Paints the traces of both channels, green on black. All it paints comes as points or pixels from the
+/// engine; the points' y grows upward.
 class ScopeView : public QWidget {
     Q_OBJECT
 
@@ -22,10 +25,16 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void paintLines(QPainter& painter);
+    void paintColumns(QPainter& painter);
+
     const ScopeControls* controls_ = nullptr;
     const ScopeCapture* capture_ = nullptr;
     ScopeTrace trace_;
-    QPolygonF line_; ///< reused from redraw to redraw
+    ScopeColumns columns_;
+    // Reused from redraw to redraw.
+    QPolygonF line_;
+    std::vector<ScopeColumns::Row> block_;
 };
 
 } // namespace sonotrace

@@ -30,8 +30,8 @@ SpectrumGeometry spectrumGeometry(const PlotRect& bounds, const SpectrumDisplay&
     geometry.left = truncateToInt32(view.x + kLeftMargin);
     geometry.right = truncateToInt32(view.x + view.width - kRightMargin);
     geometry.width = geometry.right - geometry.left;
-    geometry.yScale = view.height * 0.0405;
-    geometry.yFloor = geometry.yScale * 1.67;
+    geometry.yScale = view.height * kScaleOfHeight;
+    geometry.yFloor = geometry.yScale * kFloorLine;
     geometry.hzPerPixel = (display.spectrumEndFreq - display.spectrumStartFreq) / geometry.width;
     geometry.logStep = kDecades / geometry.width;
     geometry.binHz = kSampleRate / fftSize;

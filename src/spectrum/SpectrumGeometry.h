@@ -16,6 +16,10 @@ struct SpectrumDisplay {
     float gridBrightness = 0;      ///< grey of the labels, 0 to 1
 };
 
+inline constexpr double kScaleOfHeight =
+    0.0405;                                ///< a unit of natural logarithm of power, of the view's height
+inline constexpr double kFloorLine = 1.67; ///< height of the lowest decibel line, in such units
+
 /// Where the plot lies in its view and what a point of it means. Margins are left for the decibel labels
 /// (left), the last frequency label (right) and the frequency labels (below the floor).
 struct SpectrumGeometry {

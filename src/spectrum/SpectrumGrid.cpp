@@ -14,7 +14,6 @@ namespace {
 constexpr std::int32_t kColumnsPerLine = 50; ///< about
 constexpr int kDecibelLines = 10;
 constexpr double kTopLine = 22.37;   ///< height of the highest decibel line, in units of natural logarithm
-constexpr double kFloorLine = 1.67;  ///< of the lowest
 constexpr double kTenDecibels = 2.3; ///< ln(10), near enough
 
 std::vector<FrequencyLine> frequencyLines(const SpectrumGeometry& geometry, const SpectrumDisplay& display) {
@@ -33,7 +32,7 @@ std::vector<FrequencyLine> frequencyLines(const SpectrumGeometry& geometry, cons
         lines.push_back({geometry.left + offset + 2.0,
                          kTopLine * geometry.yScale,
                          geometry.yFloor,
-                         {geometry.left + offset - 10.0, geometry.yFloor - 18.0,
+                         {geometry.left + offset - 10.0, geometry.yFloor - SpectrumGrid::kLabelDrop,
                           std::to_string(truncateToInt32(frequency))}});
     }
     return lines;

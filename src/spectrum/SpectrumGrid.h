@@ -35,6 +35,9 @@ struct SpectrumGrid {
     static constexpr double kLineWidth = 1.0;
     static constexpr double kLabelSize = 11.0;     ///< of the bold system font, points
     static constexpr double kLabelKerning = -0.25; ///< points
+    static constexpr double kLabelDrop = 18.0; ///< from the floor down to the frequency labels' lower edge
+    /// The lowest view, in points, that does not cut the frequency labels.
+    static constexpr double kLowestView = kLabelDrop / (kScaleOfHeight * kFloorLine);
 
     std::vector<FrequencyLine> frequencyLines; ///< painted first
     std::vector<DecibelLine> decibelLines;

@@ -20,6 +20,8 @@ public:
     /// What is shown; both outlive the view. Until then the view stays empty.
     void setModel(const SpectrumAnalysis& analysis, const SpectrumDisplay& display);
 
+    QSize minimumSizeHint() const override;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 

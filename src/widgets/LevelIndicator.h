@@ -21,10 +21,16 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
+    void changeEvent(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void placeBar();
+
+    QRectF bar_;
     double value_ = 0.0;
+    QString readout_; ///< the value as text
 };
 
 } // namespace sonotrace
