@@ -31,7 +31,7 @@ InputSource::InputSource(SoundSystem& system, AudioDeviceTable::Variant devices,
 }
 
 InputSource::~InputSource() {
-    stopSound();
+    Q_EMIT aboutToStop();
 }
 
 void InputSource::GetSoundDevices() {
