@@ -1,11 +1,10 @@
 #include "widgets/InputSource.h"
 
 #include "base/SystemLog.h"
+#include "widgets/PlainLabel.h"
 #include "widgets/PopUp.h"
 #include "widgets/RealSlider.h"
 #include "widgets/StreamText.h"
-
-#include <QLabel>
 
 #include <utility>
 
@@ -98,8 +97,7 @@ void InputSource::showNotice(const QString& text) {
 }
 
 void InputSource::say(const QString& text) {
-    controls_.inputStatus->setText(text);
-    controls_.inputStatus->setToolTip(text);
+    showPlainly(*controls_.inputStatus, text);
 }
 
 } // namespace sonotrace
