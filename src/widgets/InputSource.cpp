@@ -43,6 +43,7 @@ void InputSource::SetSoundDevices() {
 
 void InputSource::startSound() {
     Q_EMIT aboutToStart();
+    openings_ = 0;
     stream_.startSound(controls_.inputPopup->currentIndex());
     Q_EMIT started();
     SetInputGainSliderVisibility();
@@ -84,11 +85,20 @@ void InputSource::SetInputGain(float gain) {
     gain_.SetInputGain(controls_.inputPopup->currentIndex(), gain);
 }
 
+/// A device that was away comes back with a volume of its own.
+void InputSource::keepVolume(const QueueState& state) {
+    const bool isNew = state.openings > 1 && state.openings != openings_;
+    if (!isNew || gain_.resend(controls_.inputPopup->currentIndex(), sliderGain()))
+        openings_ = state.openings;
+}
+
 void InputSource::showState() {
+    const QueueState state = stream_.state();
+    keepVolume(state);
     if (notice_.isValid() && !notice_.hasExpired(kNoticeTime))
         return;
     notice_.invalidate();
-    say(controls_.inputPopup->count() == 0 ? "There is no input device" : describeStream(stream_.state()));
+    say(controls_.inputPopup->count() == 0 ? "There is no input device" : describeStream(state));
 }
 
 void InputSource::showNotice(const QString& text) {
