@@ -1,8 +1,8 @@
 #include "app/StatusLine.h"
 
+#include "widgets/PlainLabel.h"
 #include "widgets/StreamText.h"
 
-#include <QLabel>
 #include <QStatusBar>
 
 namespace sonotrace {
@@ -12,7 +12,6 @@ namespace {
 QLabel* addLabel(QStatusBar& bar, const char* name, const QString& description, int stretch) {
     auto* label = new QLabel(&bar);
     label->setObjectName(name);
-    label->setTextFormat(Qt::PlainText); // device and file names are not markup
     label->setAccessibleName(description);
     label->setToolTip(description);
     // A long name must not widen the window.
@@ -38,17 +37,16 @@ StatusLine::StatusLine(QStatusBar& bar, const QString& soundSystem)
 }
 
 void StatusLine::showOutput(const QueueState& state) {
-    output_->setText(soundSystem_ + ": " + describeStream(state));
+    showPlainly(*output_, soundSystem_ + ": " + describeStream(state));
 }
 
 void StatusLine::showRecording(const QString& file, double seconds) {
-    recording_->setText(file.isEmpty() ? QString()
-                                       : QString("● Recording %1  %2").arg(file, minutes(seconds)));
+    showPlainly(*recording_,
+                file.isEmpty() ? QString() : QString("● Recording %1  %2").arg(file, minutes(seconds)));
 }
 
 void StatusLine::showNotice(const QString& text) {
-    notice_->setText(text);
-    notice_->setToolTip(text);
+    showPlainly(*notice_, text);
 }
 
 } // namespace sonotrace

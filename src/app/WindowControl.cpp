@@ -4,6 +4,7 @@
 #include "app/GeneratorWindow.h"
 #include "app/Resources.h"
 #include "app/StatusLine.h"
+#include "base/SampleRate.h"
 #include "base/SystemLog.h"
 #include "generator/GeneratorPanel.h"
 #include "generator/GeneratorPreferences.h"
@@ -46,9 +47,7 @@ WindowControl::WindowControl(SoundSystem& system, Preferences& preferences)
       output_(system, devices_, [this](std::span<std::int16_t> samples) { render_.render(samples); }),
       window_(std::make_unique<QMainWindow>()) {}
 
-WindowControl::~WindowControl() {
-    output_.stopSound();
-}
+WindowControl::~WindowControl() = default;
 
 void WindowControl::awakeFromNib() {
     const GeneratorWindow parts =
@@ -171,6 +170,10 @@ void WindowControl::HalfSecTimer() {
     panel_->poll();
     if (!recorder_.flush())
         status_->showNotice(QString("%1 cannot be written: is the disk full?").arg(recordingName_));
+    else if (recorder_.isRecording() && recorder_.lostFrames() > 0)
+        status_->showNotice(lossNotice());
+    else if (outcomeAwaited_)
+        showOutcome();
     showRecordingState();
     status_->showOutput(output_.state());
 }
@@ -180,8 +183,10 @@ void WindowControl::showRecordingState() {
 }
 
 void WindowControl::menuSaveSettings() {
+    // As it is when the user asks: what plays on while the panel is open does not change the file.
+    const QByteArray block = settingsBlock(*panel_);
     if (const auto path = askForFileToSave(window_.get(), "Settings file to save"))
-        status_->showNotice(saveSettingsDocument(*panel_, *path));
+        status_->showNotice(saveSettingsDocument(block, *path));
 }
 
 void WindowControl::menuOpenSettings() {
@@ -204,6 +209,7 @@ void WindowControl::doRecordingFileMenu() {
 bool WindowControl::startRecording(const QString& path) {
     recordingName_ = QFileInfo(path).fileName();
     const bool started = recorder_.start(path.toStdU16String());
+    outcomeAwaited_ = false;
     if (started)
         status_->clearNotice();
     else
@@ -214,11 +220,29 @@ bool WindowControl::startRecording(const QString& path) {
 }
 
 void WindowControl::doStopRecordingFileMenu() {
-    const bool written = recorder_.stop();
-    status_->showNotice(written ? QString("Recorded %1").arg(recordingName_)
-                                : QString("%1 could not be written completely").arg(recordingName_));
+    recorder_.stop();
+    outcomeAwaited_ = true;
+    showOutcome();
     validateMenu();
     showRecordingState();
+}
+
+/// Says how a recording came out, once the disk has taken it.
+void WindowControl::showOutcome() {
+    const std::optional<bool> whole = recorder_.outcome();
+    outcomeAwaited_ = !whole;
+    if (!whole)
+        status_->showNotice(QString("%1 is still being written").arg(recordingName_));
+    else if (recorder_.lostFrames() > 0)
+        status_->showNotice(lossNotice());
+    else
+        status_->showNotice(*whole ? QString("Recorded %1").arg(recordingName_)
+                                   : QString("%1 could not be written completely").arg(recordingName_));
+}
+
+QString WindowControl::lossNotice() const {
+    const double seconds = static_cast<double>(recorder_.lostFrames()) / kSampleRate;
+    return QString("%1 lacks %2 s: the disk was too slow").arg(recordingName_).arg(seconds, 0, 'f', 1);
 }
 
 void WindowControl::showHelp() {
@@ -235,7 +259,8 @@ void WindowControl::applicationWillTerminate() {
     preferences_.setFrame(*window_, kFrameKey);
     if (!preferences_.synchronise())
         systemLog("The preferences cannot be written");
-    systemLog("Output underruns: %d", static_cast<int>(output_.state().underruns));
+    if (const auto underruns = output_.state().underruns; underruns > 0)
+        systemLog("Output underruns: %d", static_cast<int>(underruns));
     systemLog("applicationWillTerminate");
 }
 

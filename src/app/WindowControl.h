@@ -79,6 +79,8 @@ private:
     void startSound();
     void stopSound();
     void showRecordingState();
+    void showOutcome();
+    QString lossNotice() const;
 
     /// Makes a tool's controller on first use and shows its window; after that brings the window to the
     /// front.
@@ -102,6 +104,7 @@ private:
     StatusLine* status_ = nullptr;
     QTimer ourTimer_;
     QString recordingName_;
+    bool outcomeAwaited_ = false; ///< of the recording that was stopped
 
     QtRunLoop runLoop_;
     std::unique_ptr<SweepController> sweepController_;

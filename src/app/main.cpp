@@ -3,6 +3,7 @@
 #include "app/QuitSignals.h"
 #include "app/Resources.h"
 #include "app/WindowControl.h"
+#include "base/SystemLog.h"
 #include "widgets/Preferences.h"
 
 #include <QApplication>
@@ -11,6 +12,8 @@
 
 #include <clocale>
 #include <cstdio>
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -30,10 +33,26 @@ int runPictureTour(sonotrace::SoundSystem& system, const QString& folder) {
     return QApplication::exec();
 }
 
+/// What the program opens first must not become its standard error.
+void openMissingStandardFiles() {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(descriptor, F_GETFD) < 0)
+            open("/dev/null", O_RDWR); // takes the lowest number there is
+    }
+}
+
+/// The toolkit's own messages must not wait for a reader either.
+void logToolkitMessage(QtMsgType, const QMessageLogContext&, const QString& text) {
+    sonotrace::systemLog("%s", qUtf8Printable(text));
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
     using namespace sonotrace;
+    openMissingStandardFiles();
+    std::setvbuf(stdout, nullptr, _IOLBF, 0); // what a crash follows is still to be read
+    qInstallMessageHandler(logToolkitMessage);
     QCoreApplication::setApplicationName("Sonotrace");
     QCoreApplication::setApplicationVersion(SONOTRACE_VERSION);
     int status = 0;

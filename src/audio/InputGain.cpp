@@ -25,6 +25,14 @@ void InputGain::SetInputGain(int popupIndex, float gain) {
     }
 }
 
+bool InputGain::resend(int popupIndex, float gain) {
+    const AudioDeviceID id = device(popupIndex);
+    if (!system_.hasInputVolume(id, 1))
+        return true;
+    system_.setInputVolume(id, 2, gain); // there may be no second channel
+    return system_.setInputVolume(id, 1, gain) == kNoError;
+}
+
 float InputGain::NewGetVolumeScalar(AudioDeviceID device, std::uint32_t channel) {
     systemLog(system_.hasInputVolume(device, channel) ? "AudioObjectHasProperty YES"
                                                       : "AudioObjectHasProperty NO");

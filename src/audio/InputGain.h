@@ -19,6 +19,10 @@ public:
     /// Writes the gain, 0 to 1, to the device's first two input channels. Failures are only logged.
     void SetInputGain(int popupIndex, float gain);
 
+    /// The same without a word on the log, for a stream that has come back by itself. False when the device
+    /// has a volume and does not take it yet.
+    bool resend(int popupIndex, float gain);
+
     /// The device's input volume; 0 when it cannot be read.
     float NewGetVolumeScalar(AudioDeviceID device, std::uint32_t channel);
 

@@ -1,12 +1,23 @@
 #include "base/SystemLog.h"
 
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <climits>
 #include <cstdarg>
 #include <cstdio>
+#include <poll.h>
 #include <string>
+#include <string_view>
+#include <unistd.h>
 
 namespace sonotrace {
 
 namespace {
+
+// One a process, like the standard error they belong to.
+std::atomic<std::uint64_t> dropped{0};
+std::atomic<std::uint64_t> droppedAndSaid{0};
 
 [[gnu::format(printf, 1, 0)]] std::string formatted(const char* format, std::va_list arguments) {
     std::va_list measured;
@@ -20,6 +31,23 @@ namespace {
     return text;
 }
 
+/// Writes without waiting: what is reported to have room takes a piece of PIPE_BUF bytes. A descriptor that is
+/// closed or broken takes everything. False when there was no room for all of it.
+bool writeAtOnce(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        pollfd output{.fd = descriptor, .events = POLLOUT, .revents = 0};
+        if (poll(&output, 1, 0) == 0)
+            return false;
+        const ssize_t written = write(descriptor, text.data(), std::min<std::size_t>(text.size(), PIPE_BUF));
+        if (written < 0 && errno == EAGAIN)
+            return false;
+        if (written < 0 && errno != EINTR)
+            return true;
+        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+    }
+    return true;
+}
+
 } // namespace
 
 void systemLog(const char* format, ...) {
@@ -29,7 +57,14 @@ void systemLog(const char* format, ...) {
     va_end(arguments);
     if (line.empty() || line.back() != '\n') // some texts carry a line end of their own
         line += '\n';
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    const std::uint64_t lost = dropped.load();
+    const std::uint64_t unsaid = lost - droppedAndSaid.load();
+    if (unsaid > 0)
+        line.insert(0, std::to_string(unsaid) + " log lines were dropped, nobody read them\n");
+    if (!writeAtOnce(STDERR_FILENO, line))
+        ++dropped;
+    else
+        droppedAndSaid = lost;
 }
 
 void printDiagnostic(const char* format, ...) {
@@ -37,7 +72,12 @@ void printDiagnostic(const char* format, ...) {
     va_start(arguments, format);
     const std::string text = formatted(format, arguments);
     va_end(arguments);
-    std::fwrite(text.data(), 1, text.size(), stdout);
+    std::fflush(stdout); // what the program prints otherwise comes in order
+    writeAtOnce(STDOUT_FILENO, text);
+}
+
+std::uint64_t droppedLogLines() {
+    return dropped.load();
 }
 
 } // namespace sonotrace

@@ -5,19 +5,21 @@
 #include "generator/SettingsFile.h"
 #include "widgets/FilePanels.h"
 
-#include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
 
 namespace sonotrace {
 
-QString saveSettingsDocument(const GeneratorPanel& panel, const QString& path) {
+QByteArray settingsBlock(const GeneratorPanel& panel) {
     SettingsOfAll all{};
     for (int slot = 0; slot < kGeneratorCount; ++slot)
         all[static_cast<std::size_t>(slot)] = panel.slotSettings(slot);
     const auto block = encodeSettingsFile(all);
-    const auto* bytes = reinterpret_cast<const char*>(block.data());
-    return writeFile(path, QByteArray(bytes, block.size()), "Settings saved to %1");
+    return {reinterpret_cast<const char*>(block.data()), static_cast<qsizetype>(block.size())};
+}
+
+QString saveSettingsDocument(const QByteArray& block, const QString& path) {
+    return writeFile(path, block, "Settings saved to %1");
 }
 
 QString openSettingsDocument(GeneratorPanel& panel, const QString& path) {

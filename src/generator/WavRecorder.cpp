@@ -17,6 +17,8 @@ constexpr int kChannels = 2;
 constexpr int kRateSelector = 2;
 constexpr int kBitsPerSample = 16;
 constexpr double kBytesPerSecond = kSampleRate * kChannels * kBitsPerSample / 8;
+constexpr std::chrono::milliseconds kUsualPatience{50}; ///< a disk in order takes a millisecond
+constexpr std::size_t kMostPending = 1000;              ///< flushes, more than eight minutes and 88 MB
 
 std::uint32_t sampleRate(int selector) {
     switch (selector) {
@@ -65,33 +67,57 @@ std::array<std::byte, kWavHeaderBytes> wavHeader(int channels, int rateSelector,
     return header;
 }
 
-WavRecorder::WavRecorder() : ring_(kRingBytes / kFrameBytes), flushBuffer_(kRingBytes / kFrameBytes) {}
+struct WavRecorder::File {
+    std::FILE* const stream;
+    std::atomic<bool> failed{false}; ///< something could not be written
+    std::atomic<bool> closed{false};
+
+    explicit File(std::FILE* opened) : stream(opened) {}
+    ~File() {
+        if (!closed)
+            std::fclose(stream);
+    }
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    void write(long position, int whence, const void* bytes, std::size_t count) {
+        const bool written = std::fseek(stream, position, whence) == 0 &&
+                             std::fwrite(bytes, 1, count, stream) == count && std::fflush(stream) == 0;
+        if (!written)
+            failed = true;
+    }
+    void close() {
+        if (std::fclose(stream) != 0)
+            failed = true;
+        closed = true;
+    }
+};
+
+WavRecorder::WavRecorder() : ring_(kRingBytes / kFrameBytes) {}
 
 bool WavRecorder::start(const std::filesystem::path& path) {
+    stop();
     std::error_code unknown;
     const bool fifo = std::filesystem::is_fifo(path, unknown); // would be waited for until somebody reads it
-    file_.reset(fifo ? nullptr : std::fopen(path.c_str(), "wb"));
-    if (!file_) {
-        recording_.store(0, std::memory_order_relaxed);
+    std::FILE* const stream = fifo ? nullptr : std::fopen(path.c_str(), "wbe");
+    if (!stream)
         return false;
-    }
+    file_ = std::make_shared<File>(stream);
     bytesBefore_ = recordedBytes_;
-    // A buffer that the audio thread dropped while the last recording was stopped is not part of this one.
-    readIndex_.store(writeIndex_.load(std::memory_order_acquire), std::memory_order_relaxed);
-    complete_ = writeHeader();
+    lostFrames_ = 0;
+    postHeader();
     recording_.store(1, std::memory_order_release);
     return true;
 }
 
-bool WavRecorder::writeHeader() {
+void WavRecorder::postHeader() {
     const auto bytes = static_cast<std::uint32_t>(recordedBytes_);
     systemLog("header:%d sampleChannelsSelected:%d sampleRateSelected:%d samplingSize:%d bytes:%d",
               static_cast<int>(kWavHeaderBytes), kChannels, kRateSelector, kBitsPerSample,
               static_cast<int>(bytes));
-    const auto header = wavHeader(kChannels, kRateSelector, kBitsPerSample, bytes);
-    return std::fseek(file_.get(), 0, SEEK_SET) == 0 &&
-           std::fwrite(header.data(), 1, header.size(), file_.get()) == header.size() &&
-           std::fflush(file_.get()) == 0;
+    writer_.post([file = file_, header = wavHeader(kChannels, kRateSelector, kBitsPerSample, bytes)] {
+        file->write(0, SEEK_SET, header.data(), header.size());
+    });
 }
 
 void WavRecorder::tap(std::span<const std::int16_t> interleaved) {
@@ -106,37 +132,64 @@ void WavRecorder::tap(std::span<const std::int16_t> interleaved) {
         if (index == kRingBytes)
             index = 0;
     }
+    tappedFrames_.store(tappedFrames_.load(std::memory_order_relaxed) + interleaved.size() / 2,
+                        std::memory_order_relaxed);
     writeIndex_.store(index, std::memory_order_release);
 }
 
 bool WavRecorder::flush() {
-    if (!file_)
+    if (!isRecording())
         return true;
     const std::uint32_t end = writeIndex_.load(std::memory_order_acquire);
+    const std::uint64_t tapped = tappedFrames_.load(std::memory_order_relaxed);
     std::uint32_t index = readIndex_.load(std::memory_order_relaxed);
     systemLog("%d %d", static_cast<int>(end), static_cast<int>(index));
-    std::size_t frames = 0;
+    std::vector<std::uint32_t> frames;
+    frames.reserve((end + kRingBytes - index) % kRingBytes / kFrameBytes);
     while (index != end) {
-        flushBuffer_[frames++] = ring_[index / kFrameBytes].load(std::memory_order_relaxed);
+        frames.push_back(ring_[index / kFrameBytes].load(std::memory_order_relaxed));
         index += kFrameBytes;
         if (index == kRingBytes)
             index = 0;
     }
     readIndex_.store(end, std::memory_order_relaxed);
-    const bool written = std::fwrite(flushBuffer_.data(), kFrameBytes, frames, file_.get()) == frames &&
-                         std::fflush(file_.get()) == 0;
-    complete_ = complete_ && written;
-    recordedBytes_ += frames * kFrameBytes;
-    return written;
+    countLoss(tapped, frames.size());
+    recordedBytes_ += frames.size() * kFrameBytes;
+    if (writer_.pending() < kMostPending)
+        writer_.post([file = file_, frames = std::move(frames)] {
+            file->write(0, SEEK_END, frames.data(), frames.size() * kFrameBytes);
+        });
+    else
+        lostFrames_ += frames.size();
+    writer_.wait(kUsualPatience); // so that a failure is said at once
+    return !file_->failed;
 }
 
-bool WavRecorder::stop() {
-    if (!file_)
-        return true;
-    recording_.store(0, std::memory_order_relaxed);
+/// A ring that was gone round since the last flush has lost whole rounds.
+void WavRecorder::countLoss(std::uint64_t tapped, std::size_t taken) {
+    constexpr std::uint64_t kRound = kRingBytes / kFrameBytes;
+    takenFrames_ += taken;
+    // The audio thread may have come again between its two counts: less than half a round.
+    const std::uint64_t missing = tapped > takenFrames_ ? tapped - takenFrames_ : 0;
+    const std::uint64_t lost = (missing + kRound / 2) / kRound * kRound;
+    takenFrames_ += lost;
+    lostFrames_ += lost;
+}
+
+void WavRecorder::stop() {
+    if (!isRecording())
+        return;
     flush();
-    complete_ = writeHeader() && complete_;
-    return std::fclose(file_.release()) == 0 && complete_;
+    recording_.store(0, std::memory_order_relaxed);
+    postHeader();
+    writer_.post([file = file_] { file->close(); });
+    writer_.wait(kUsualPatience);
+}
+
+std::optional<bool> WavRecorder::outcome() const {
+    if (!file_ || !file_->closed)
+        return std::nullopt;
+    return !file_->failed && lostFrames_ == 0;
 }
 
 double WavRecorder::seconds() const {

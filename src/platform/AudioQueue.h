@@ -37,10 +37,12 @@ struct QueueState {
         Waiting,    ///< started, but the server is away or does not answer
         Running,    ///< samples flow
         DeviceLost, ///< the device is gone and the server has not moved the stream
+        Failed,     ///< cannot be opened: the system has no descriptor or thread left
     };
     Phase phase = Phase::Stopped;
-    std::string deviceName; ///< name of the device the stream is really on; empty while unknown
-    bool moved = false;     ///< the server has put the stream on another device than the one asked for
+    std::string deviceName;     ///< name of the device the stream is really on; empty while unknown
+    std::uint32_t openings = 0; ///< how many streams the queue has had: one more after every trouble
+    bool moved = false;         ///< the server has put the stream on another device than the one asked for
     std::uint64_t underruns =
         0; ///< output: times the server ran out of samples; input: times samples were lost
 };

@@ -37,8 +37,8 @@ std::optional<QString> askForFileToSave(QWidget* parent, const QString& message,
 
 QString writeFile(const QString& path, const QByteArray& content, const QString& done) {
     QSaveFile file(path);
-    const bool written =
-        file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.commit();
+    const bool written = !content.isEmpty() && file.open(QIODevice::WriteOnly) &&
+                         file.write(content) == content.size() && file.commit();
     const QString name = QFileInfo(path).fileName();
     return written ? done.arg(name) : QString("%1 cannot be written: %2").arg(name, file.errorString());
 }

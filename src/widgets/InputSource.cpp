@@ -1,11 +1,10 @@
 #include "widgets/InputSource.h"
 
 #include "base/SystemLog.h"
+#include "widgets/PlainLabel.h"
 #include "widgets/PopUp.h"
 #include "widgets/RealSlider.h"
 #include "widgets/StreamText.h"
-
-#include <QLabel>
 
 #include <utility>
 
@@ -31,7 +30,7 @@ InputSource::InputSource(SoundSystem& system, AudioDeviceTable::Variant devices,
 }
 
 InputSource::~InputSource() {
-    stopSound();
+    Q_EMIT aboutToStop();
 }
 
 void InputSource::GetSoundDevices() {
@@ -44,6 +43,7 @@ void InputSource::SetSoundDevices() {
 
 void InputSource::startSound() {
     Q_EMIT aboutToStart();
+    openings_ = 0;
     stream_.startSound(controls_.inputPopup->currentIndex());
     Q_EMIT started();
     SetInputGainSliderVisibility();
@@ -85,11 +85,20 @@ void InputSource::SetInputGain(float gain) {
     gain_.SetInputGain(controls_.inputPopup->currentIndex(), gain);
 }
 
+/// A device that was away comes back with a volume of its own.
+void InputSource::keepVolume(const QueueState& state) {
+    const bool isNew = state.openings > 1 && state.openings != openings_;
+    if (!isNew || gain_.resend(controls_.inputPopup->currentIndex(), sliderGain()))
+        openings_ = state.openings;
+}
+
 void InputSource::showState() {
+    const QueueState state = stream_.state();
+    keepVolume(state);
     if (notice_.isValid() && !notice_.hasExpired(kNoticeTime))
         return;
     notice_.invalidate();
-    say(controls_.inputPopup->count() == 0 ? "There is no input device" : describeStream(stream_.state()));
+    say(controls_.inputPopup->count() == 0 ? "There is no input device" : describeStream(state));
 }
 
 void InputSource::showNotice(const QString& text) {
@@ -98,8 +107,7 @@ void InputSource::showNotice(const QString& text) {
 }
 
 void InputSource::say(const QString& text) {
-    controls_.inputStatus->setText(text);
-    controls_.inputStatus->setToolTip(text);
+    showPlainly(*controls_.inputStatus, text);
 }
 
 } // namespace sonotrace

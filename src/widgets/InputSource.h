@@ -62,6 +62,7 @@ private:
     void setSoundInputVolume();
     void SetInputGainSliderVisibility();
     void SetInputGain(float gain);
+    void keepVolume(const QueueState& state);
     float sliderGain() const;
 
     SoundSystem& system_;
@@ -70,8 +71,9 @@ private:
     AudioDeviceTable devices_;
     InputGain gain_;
     CaptureStream stream_;
-    QTimer stateTimer_;    ///< refreshes that line
-    QElapsedTimer notice_; ///< since it is shown; not valid while there is none
+    QTimer stateTimer_;          ///< refreshes that line
+    std::uint32_t openings_ = 0; ///< QueueState::openings when the volume was last sent
+    QElapsedTimer notice_;       ///< since it is shown; not valid while there is none
 };
 
 } // namespace sonotrace

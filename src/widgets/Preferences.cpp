@@ -3,7 +3,11 @@
 #include "base/Numbers.h"
 #include "widgets/NumberText.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QGuiApplication>
+#include <QSaveFile>
 #include <QScreen>
 #include <QStandardPaths>
 #include <QStringList>
@@ -17,7 +21,8 @@ namespace sonotrace {
 namespace {
 
 constexpr int kFarAway = 1'000'000; // beyond any screen, and safe to add up
-constexpr int kGripHeight = 20;     // of a title bar, to be within reach on some screen
+constexpr qint64 kLargestFile = 1 << 20;
+constexpr int kGripHeight = 20; // of a title bar, to be within reach on some screen
 
 bool isWithinReach(const QRect& frame) {
     for (const QScreen* screen : QGuiApplication::screens()) {
@@ -30,7 +35,7 @@ bool isWithinReach(const QRect& frame) {
 
 } // namespace
 
-Preferences::Preferences(const QString& path) : store_(path, QSettings::IniFormat) {}
+Preferences::Preferences(const QString& path) : path_(path), values_(read().value_or(Values())) {}
 
 QString Preferences::defaultPath() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
@@ -38,7 +43,7 @@ QString Preferences::defaultPath() {
 }
 
 double Preferences::doubleValue(const QString& key) const {
-    return numberFromText(store_.value(key).toString());
+    return numberFromText(values_.value(key));
 }
 
 float Preferences::floatValue(const QString& key) const {
@@ -52,19 +57,19 @@ std::int32_t Preferences::integerValue(const QString& key) const {
 void Preferences::setFloat(const QString& key, double value) {
     // What no float can hold comes back as the largest one: the text of an infinity would be read as 0.
     constexpr double kMost = std::numeric_limits<float>::max();
-    store_.setValue(key, textFromNumber(static_cast<float>(std::clamp(value, -kMost, kMost))));
+    set(key, textFromNumber(static_cast<float>(std::clamp(value, -kMost, kMost))));
 }
 
 void Preferences::setDouble(const QString& key, double value) {
-    store_.setValue(key, textFromNumber(value));
+    set(key, textFromNumber(value));
 }
 
 void Preferences::setInteger(const QString& key, std::int32_t value) {
-    store_.setValue(key, value);
+    set(key, QString::number(value));
 }
 
 QRect Preferences::frame(const QString& key) const {
-    const QStringList numbers = store_.value(key).toString().split(u' ');
+    const QStringList numbers = values_.value(key).split(u' ');
     if (numbers.size() != 4)
         return {};
     const auto number = [&](int i) { return std::clamp(numbers[i].toInt(), -kFarAway, kFarAway); };
@@ -87,13 +92,57 @@ void Preferences::setFrame(const QWidget& window, const QString& key) {
     // Wayland does not say where a window is; what another session has stored is worth keeping.
     if (QGuiApplication::platformName().startsWith("wayland"))
         corner = frame(key).topLeft();
-    store_.setValue(
-        key, QString("%1 %2 %3 %4").arg(corner.x()).arg(corner.y()).arg(size.width()).arg(size.height()));
+    set(key, QString("%1 %2 %3 %4").arg(corner.x()).arg(corner.y()).arg(size.width()).arg(size.height()));
+}
+
+void Preferences::set(const QString& key, const QString& value) {
+    values_[key] = value;
+    changed_[key] = value;
 }
 
 bool Preferences::synchronise() {
-    store_.sync();
-    return store_.status() == QSettings::NoError;
+    if (changed_.isEmpty())
+        return true;
+    // Another program of ours may have written meanwhile.
+    std::optional<Values> stored = read();
+    if (!stored)
+        return false;
+    stored->insert(changed_);
+    if (!write(*stored))
+        return false;
+    values_ = *stored;
+    changed_.clear();
+    return true;
+}
+
+std::optional<Preferences::Values> Preferences::read() const {
+    const QFileInfo info(path_);
+    if (!info.exists())
+        return Values();
+    QFile file(path_);
+    if (!info.isFile() || !file.open(QIODevice::ReadOnly)) // opening a pipe would wait for its writer
+        return std::nullopt;
+    Values values;
+    const QByteArray text = file.read(kLargestFile);
+    bool ours = true;
+    for (const QByteArray& line : text.split('\n')) {
+        if (line.startsWith('['))
+            ours = line.startsWith("[General]");
+        const qsizetype equals = line.indexOf('=');
+        if (ours && equals > 0)
+            values[QString::fromUtf8(line.first(equals)).trimmed()] =
+                QString::fromUtf8(line.sliced(equals + 1)).trimmed();
+    }
+    return values;
+}
+
+bool Preferences::write(const Values& values) const {
+    QByteArray text = "[General]\n";
+    for (const auto& [key, value] : values.asKeyValueRange())
+        text += key.toUtf8() + '=' + value.toUtf8() + '\n';
+    QDir().mkpath(QFileInfo(path_).path());
+    QSaveFile file(path_);
+    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
 }
 
 } // namespace sonotrace

@@ -1,16 +1,19 @@
 #pragma once
 
+#include <QMap>
 #include <QRect>
-#include <QSettings>
 #include <QString>
+
+#include <optional>
 
 class QWidget;
 
 namespace sonotrace {
 
 /// The user's preferences: one plain text file of keys and numbers. A missing or unreadable value is 0. The
-/// file is replaced as a whole whenever it is written, so that a crash never leaves half of one. Window
-/// thread.
+/// file is replaced as a whole whenever it is written, so that neither a crash nor a full disk leaves half of
+/// one, and only keys that were set are changed in it. Nobody is waited for: not for a lock that somebody has
+/// left behind, nor for what stands in the file's place and is none. Window thread.
 class Preferences {
 public:
     /// `path`: the file; the default is Sonotrace/Sonotrace.conf in the user's configuration folder.
@@ -31,13 +34,21 @@ public:
     void restoreFrame(QWidget& window, const QString& key) const;
     void setFrame(const QWidget& window, const QString& key);
 
-    /// Writes what has changed to the file. False when it cannot be written.
+    /// Writes what has changed to the file. False when it cannot be written; then the file is as it was.
     bool synchronise();
 
 private:
+    using Values = QMap<QString, QString>;
+
+    /// What the file holds; nothing when there is something that cannot be read.
+    std::optional<Values> read() const;
+    bool write(const Values& values) const;
+    void set(const QString& key, const QString& value);
     QRect frame(const QString& key) const;
 
-    QSettings store_;
+    const QString path_;
+    Values values_;
+    Values changed_; ///< since they were last written
 };
 
 } // namespace sonotrace

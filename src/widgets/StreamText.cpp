@@ -11,6 +11,8 @@ QString describeStream(const QueueState& state) {
         return "waiting for the sound server";
     case QueueState::Phase::DeviceLost:
         return "the device is gone, choose another";
+    case QueueState::Phase::Failed:
+        return "no stream: the system has no resources left for one";
     case QueueState::Phase::Running:
         break;
     }

@@ -18,10 +18,13 @@ PulseConnection::~PulseConnection() {
     stop();
 }
 
-void PulseConnection::start() {
+bool PulseConnection::start() {
+    if (!loop_)
+        return false;
     const PulseLock lock(loop_.get());
     retry_.start(0);
     running_ = pa_threaded_mainloop_start(loop_.get()) == 0;
+    return running_;
 }
 
 void PulseConnection::stop() {

@@ -27,8 +27,9 @@ public:
     PulseConnection(Events events, FirstAttempt firstAttempt);
     ~PulseConnection(); ///< stops
 
-    /// At most once. Connecting itself happens on the connection's thread.
-    void start();
+    /// At most once. Connecting itself happens on the connection's thread. False, and nothing happens, when
+    /// the system has no descriptor or thread left for it.
+    bool start();
 
     /// Disconnects, which is the last event, and ends the thread. Never waits for the server.
     void stop();
@@ -37,6 +38,7 @@ public:
     /// lock held.
     void reconnect();
 
+    /// Null when the system had no descriptor left.
     pa_threaded_mainloop* loop() const { return loop_.get(); }
 
     /// The connected context, or null. With the lock held.

@@ -185,6 +185,11 @@ std::string PulseDevices::description(const std::string& name) {
     return found != devices_.end() ? found->description : name;
 }
 
+bool PulseDevices::has(const std::string& name) {
+    const std::lock_guard lock(mutex_);
+    return std::ranges::find(devices_, name, &PulseDevice::name) != devices_.end();
+}
+
 Status PulseDevices::setVolume(AudioDeviceID id, std::uint32_t channel, pa_volume_t volume) {
     if (!waitUntilKnown(std::chrono::milliseconds::zero()))
         return kStatusUnavailable; // before the lock, which is held while a server is launched

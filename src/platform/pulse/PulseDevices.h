@@ -46,6 +46,9 @@ public:
     /// Description of the device that the server calls `name`; the name itself when there is none.
     std::string description(const std::string& name);
 
+    /// Whether the server has a device that it calls `name`.
+    bool has(const std::string& name);
+
     /// Sets one channel (from 0) of a source's volume.
     Status setVolume(AudioDeviceID id, std::uint32_t channel, pa_volume_t volume);
 

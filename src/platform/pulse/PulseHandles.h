@@ -18,12 +18,12 @@ using PulseContext = std::unique_ptr<pa_context, PulseDeleter>;
 using PulseStream = std::unique_ptr<pa_stream, PulseDeleter>;
 using PulseProplist = std::unique_ptr<pa_proplist, PulseDeleter>;
 
-/// Holds a main loop's lock; on the loop's own thread, which holds it already, it does nothing. The loop
-/// never waits for the server with it, but it holds it while a queue's callback runs.
+/// Holds a main loop's lock, if there is a main loop; on the loop's own thread, which holds it already, it
+/// does nothing. The loop never waits for the server with it, but it holds it while a queue's callback runs.
 class PulseLock {
 public:
     explicit PulseLock(pa_threaded_mainloop* loop)
-        : loop_(pa_threaded_mainloop_in_thread(loop) ? nullptr : loop) {
+        : loop_(!loop || pa_threaded_mainloop_in_thread(loop) ? nullptr : loop) {
         if (loop_)
             pa_threaded_mainloop_lock(loop_);
     }

@@ -25,11 +25,13 @@ PulseQueue::PulseQueue(PulseDevices& devices, const StreamDescription& format, C
                    .disconnected =
                        [this] {
                            reopen_.cancel();
+                           look_.cancel();
                            closeStream();
                            setPhase(QueueState::Phase::Waiting);
                        }},
                   PulseConnection::FirstAttempt::OnlyConnects),
-      reopen_(connection_.loop(), [this] { openStream(Target::AskedFor); }) {}
+      reopen_(connection_.loop(), [this] { openStream(Target::AskedFor); }),
+      look_(connection_.loop(), [this] { lookForDevice(); }) {}
 
 PulseQueue::~PulseQueue() {
     stop();
@@ -61,8 +63,10 @@ Status PulseQueue::start() {
         return kStatusBadState;
     started_ = true;
     setPhase(QueueState::Phase::Waiting);
-    connection_.start();
-    return kNoError;
+    if (connection_.start())
+        return kNoError;
+    setPhase(QueueState::Phase::Failed);
+    return kStatusUnavailable;
 }
 
 Status PulseQueue::stop() {
@@ -96,8 +100,10 @@ void PulseQueue::setPhase(QueueState::Phase phase) {
 }
 
 void PulseQueue::openStream(Target target) {
+    look_.cancel();
     closeStream();
     standIn_ = target == Target::Default && !device_.empty();
+    gone_ = standIn_;
     const pa_sample_spec format{PA_SAMPLE_S16LE, static_cast<std::uint32_t>(format_.sampleRate),
                                 static_cast<std::uint8_t>(format_.channelsPerFrame)};
     const PulseProplist properties(pa_proplist_new());
@@ -142,6 +148,10 @@ void PulseQueue::onStreamState() {
         flowed_.store(pa_rtclock_now(), std::memory_order_relaxed);
         setPhase(QueueState::Phase::Running);
         everRan_ = true;
+        {
+            const std::lock_guard lock(stateMutex_);
+            ++state_.openings;
+        }
         onMoved();
         streamReady(*connection_.context(), *stream_);
         break;
@@ -172,6 +182,25 @@ void PulseQueue::onMoved() {
     const std::lock_guard lock(stateMutex_);
     state_.deviceName = name ? name : "";
     state_.moved = !device_.empty() && state_.deviceName != device_;
+    if (state_.moved)
+        look_.start(kReopenInterval);
+}
+
+/// Goes back to the device asked for once it was gone and is there again. While it has never been gone it was
+/// the user who moved the stream, with a mixer.
+void PulseQueue::lookForDevice() {
+    {
+        const std::lock_guard lock(stateMutex_);
+        if (!state_.moved)
+            return;
+    }
+    const bool there = devices_.has(device_);
+    if (there && gone_) {
+        openStream(Target::AskedFor);
+    } else {
+        gone_ = gone_ || !there;
+        look_.start(kReopenInterval);
+    }
 }
 
 void PulseQueue::onTransfer(pa_stream* stream, std::size_t, void* self) {

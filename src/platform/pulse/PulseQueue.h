@@ -59,12 +59,14 @@ private:
     void onStreamState();
     void onStreamEnd();
     void onMoved();
+    void lookForDevice();
 
     const std::string streamName_;
     std::string device_;   ///< the server's name of the device asked for; empty for its default
     bool started_ = false; ///< window thread
     bool everRan_ = false; ///< a stream has run since the server was reached
     bool standIn_ = false; ///< the stream was opened on the default device though another was asked for
+    bool gone_ = false;    ///< the device asked for has been missing since the stream is on another
     std::atomic<pa_usec_t> flowed_{0}; ///< when samples were last moved
     std::atomic<std::uint64_t> underruns_{0};
     // Not the connection's lock: that is held while a callback runs, which may take its time.
@@ -72,6 +74,7 @@ private:
     QueueState state_; ///< under stateMutex_; changes only when the stream begins, ends or moves
     PulseConnection connection_;
     PulseTimer reopen_;
+    PulseTimer look_;
     PulseStream stream_;
 };
 

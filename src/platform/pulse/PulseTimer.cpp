@@ -5,14 +5,14 @@
 namespace sonotrace {
 
 PulseTimer::PulseTimer(pa_threaded_mainloop* loop, std::function<void()> action)
-    : api_(pa_threaded_mainloop_get_api(loop)), action_(std::move(action)) {}
+    : api_(loop ? pa_threaded_mainloop_get_api(loop) : nullptr), action_(std::move(action)) {}
 
 PulseTimer::~PulseTimer() {
     cancel();
 }
 
 void PulseTimer::start(pa_usec_t delay) {
-    if (event_)
+    if (event_ || !api_)
         return;
     timeval when;
     pa_timeval_add(pa_gettimeofday(&when), delay);

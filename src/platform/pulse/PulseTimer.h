@@ -6,8 +6,8 @@
 
 namespace sonotrace {
 
-/// Does something once, a while later, on a main loop's thread and with its lock held. All methods with the
-/// lock held; the loop outlives the timer.
+/// Does something once, a while later, on a main loop's thread and with its lock held; without a main loop
+/// never. All methods with the lock held; the loop outlives the timer.
 class PulseTimer {
 public:
     PulseTimer(pa_threaded_mainloop* loop, std::function<void()> action);
