@@ -28,7 +28,7 @@ TEST_P(GeneratorEndToEnd, WhatTheSinkGetsIsWhatIsRenderedAndTheBankIsStoredOnTer
     bench.set(2, {50, 0, 0, 1, 5, 1});
     bench.set(3, {50, 0, 0, 1, 7, 1});
     EXPECT_GT(longestMatch(bench.render(40), monitor.heard()), std::size_t{2} * 110000);
-    EXPECT_TRUE(program.output().contains("applicationWillTerminate\n"));
+    EXPECT_TRUE(program.output().endsWith("applicationWillTerminate\n"));
     const Preferences stored;
     EXPECT_EQ(stored.floatValue("Freq1"), 333.0F);
     EXPECT_EQ(stored.integerValue("GenType2"), 5);
@@ -62,6 +62,19 @@ TEST_P(ServerTrouble, WithoutAServerTheLoopbackPlays) {
     })) << program.output().toStdString();
     EXPECT_TRUE(program.output().contains("No sound server answers: using the built-in loopback\n"));
     EXPECT_TRUE(program.quit());
+}
+
+TEST_P(ServerTrouble, FewDescriptorsOrNoneAtTheStartAreSurvived) {
+    for (const char* trouble :
+         {"exec <&- >&- 2>&-", "ulimit -n 16", "ulimit -n 20", "ulimit -n 26", "ulimit -n 40"}) {
+        QProcess shell;
+        shell.start("sh", {"-c", QString("%1; exec %2 --audio pulse").arg(trouble, SONOTRACE_PROGRAM)});
+        EXPECT_FALSE(shell.waitForFinished(1500)) << trouble;
+        shell.terminate();
+        EXPECT_TRUE(shell.waitForFinished(5000)) << trouble;
+        EXPECT_EQ(std::pair(shell.exitStatus(), shell.exitCode()), std::pair(QProcess::NormalExit, 0))
+            << trouble;
+    }
 }
 
 TEST(CommandLine, WhatNeedsNoWindowNeedsNoDisplay) {

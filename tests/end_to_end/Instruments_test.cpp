@@ -95,8 +95,14 @@ TEST_P(Instruments, HearWhatTheirInputHearsAndMayChangeOrLoseIt) {
     findControl<QSlider>(window("SpectrumWindow"), "soundInputVolume2").setValue(1000);
     for (const auto& [name, hears] : tools) {
         listenTo(name, 1);
-        EXPECT_TRUE(QTest::qWaitFor([name = name] { return status(name) == "Monitor of line"; }, 10000))
+        EXPECT_TRUE(
+            QTest::qWaitFor([name = name] { return status(name) == "Monitor of <b>line</b>"; }, 10000))
             << name;
+    }
+    for (const QWidget* widget : QApplication::allWidgets()) {
+        const auto* label = qobject_cast<const QLabel*>(widget);
+        EXPECT_FALSE(widget->toolTip().contains("<b>")) << widget->objectName().toStdString();
+        EXPECT_FALSE(label && label->text().contains("<b>") && label->textFormat() != Qt::PlainText);
     }
     for (const auto hears : {spectrumHears, waterfallHears}) // the scope holds its last trace
         EXPECT_TRUE(QTest::qWaitFor([hears] { return !hears(); }, 10000));
