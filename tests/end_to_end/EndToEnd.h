@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <algorithm>
 #include <span>
 
 namespace sonotrace {
@@ -78,21 +78,16 @@ public:
 
     std::vector<std::int16_t> heard() const {
         QFile file(file_);
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        const QByteArray bytes = file.readAll();
+        const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         std::vector<std::int16_t> samples(static_cast<std::size_t>(bytes.size()) / 4 * 2);
         std::copy_n(bytes.constData(), samples.size() * 2, reinterpret_cast<char*>(samples.data()));
         return samples;
     }
 
-    /// Frames that are not silence.
-    std::size_t soundingFrames() const {
-        std::size_t count = 0;
+    /// At least so many frames are not silence.
+    std::ptrdiff_t soundingFrames() const {
         const auto samples = heard();
-        for (std::size_t i = 0; i + 1 < samples.size(); i += 2)
-            count += samples[i] != 0 || samples[i + 1] != 0 ? 1 : 0;
-        return count;
+        return (std::ssize(samples) - std::ranges::count(samples, 0)) / 2;
     }
 
 private:
@@ -105,10 +100,8 @@ private:
 inline std::size_t longestMatch(std::span<const std::int16_t> signal, std::span<const std::int16_t> heard) {
     std::size_t longest = 0;
     for (std::size_t at = 0; at < heard.size(); at += 2) {
-        std::size_t length = 0;
-        while (at + length < heard.size() && length < signal.size() && heard[at + length] == signal[length])
-            ++length;
-        longest = std::max(longest, length);
+        const auto end = std::ranges::mismatch(signal, heard.subspan(at)).in1;
+        longest = std::max(longest, static_cast<std::size_t>(end - signal.begin()));
     }
     return longest;
 }

@@ -1,18 +1,15 @@
 #pragma once
 
 #include "platform/loopback/LoopbackSystem.h"
-#include "support/Queues.h"
 #include "support/RenderBench.h"
+#include "support/Streams.h"
 #include "widgets/Preferences.h"
 #include "widgets/QtRunLoop.h"
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
-#include <QDir>
-#include <QFile>
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QSlider>
@@ -22,6 +19,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
 
 namespace sonotrace {
@@ -37,40 +36,33 @@ Control& findControl(const QWidget& window, const QString& name) {
 
 /// Writes the file of preferences that a program finds when it starts.
 inline void writePreferences(const QByteArray& lines) {
-    const QString path = Preferences::defaultPath();
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[General]\n" + lines);
+    const std::filesystem::path path = Preferences::defaultPath().toStdString();
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path) << "[General]\n" << lines.toStdString();
 }
 
 /// Plays what a test puts into its bank on a device that a window under test listens to.
-class Tone {
-public:
-    explicit Tone(SoundSystem& system, const std::string& uid = {}) {
-        const auto fill = [this](AudioQueue& queue, AudioQueueBuffer& buffer) {
+struct Tone {
+    explicit Tone(SoundSystem& system) {
+        const auto fill = [this](AudioQueue& self, AudioQueueBuffer& buffer) {
             bench.output.render(buffer.allSamples());
-            queue.enqueueBuffer(buffer);
+            self.enqueueBuffer(buffer);
         };
-        queue_ = startQueue(system, &SoundSystem::newOutput, kOutputFramesPerBuffer, fill, uid);
+        queue = startQueue(system, &SoundSystem::newOutput, kOutputFramesPerBuffer, fill);
     }
 
     RenderBench bench;
-
-private:
-    std::unique_ptr<AudioQueue> queue_;
+    std::unique_ptr<AudioQueue> queue;
 };
 
 /// The window fits a small screen, and every control that does something is reached with the Tab key and says
 /// what it does, to screen readers and to the mouse.
 inline void expectUsableWindow(const QWidget& window) {
-    EXPECT_LE(window.minimumSizeHint().width(), 800);
-    EXPECT_LE(window.minimumSizeHint().height(), 560);
+    EXPECT_EQ(window.minimumSizeHint().boundedTo({800, 560}), window.minimumSizeHint());
     for (const QWidget* control : window.findChildren<QWidget*>()) {
-        const bool works = qobject_cast<const QAbstractButton*>(control) ||
-                           qobject_cast<const QComboBox*>(control) ||
-                           qobject_cast<const QLineEdit*>(control) || qobject_cast<const QSlider*>(control);
-        if (!works || control->objectName().startsWith("qt_"))
+        const auto is = [control](const char* kind) { return control->inherits(kind); };
+        if (control->objectName().startsWith("qt_") ||
+            !(is("QAbstractButton") || is("QComboBox") || is("QLineEdit") || is("QSlider")))
             continue;
         EXPECT_TRUE(control->focusPolicy() & Qt::TabFocus) << control->objectName().toStdString();
         for (const QString& said :
@@ -90,13 +82,9 @@ inline void answerFilePanel(const QString& path, QString* title = nullptr) {
         timer->deleteLater();
         if (title)
             *title = panel->windowTitle();
-        if (path.isEmpty()) {
-            panel->reject();
-            return;
-        }
         // As typed: selectFile() does nothing while the name's field has the focus.
         panel->findChild<QLineEdit*>("fileNameEdit")->setText(path);
-        static_cast<QDialog*>(panel)->accept();
+        path.isEmpty() ? panel->reject() : static_cast<QDialog*>(panel)->accept();
     });
     timer->start(20);
 }
@@ -125,13 +113,8 @@ protected:
     QWidget* window_ = nullptr;
 };
 
-/// A loopback whose time the test moves.
-struct ManualLoopback : LoopbackSystem {
-    ManualLoopback() : LoopbackSystem(Clock::Manual) {}
-};
-
-/// A window that listens, by default to a system of the test's own.
-template <typename Controller, typename System = ManualLoopback>
+/// A window that listens to a loopback whose time the test moves.
+template <typename Controller>
 class ListeningWindowTest : public WindowTest {
 protected:
     void open() {
@@ -153,7 +136,7 @@ protected:
         }
     }
 
-    System system_;
+    LoopbackSystem system_{LoopbackSystem::Clock::Manual};
     QtRunLoop runLoop_;
     std::unique_ptr<Controller> controller_;
 };
@@ -161,12 +144,13 @@ protected:
 /// Stores what makes a waterfall listen with full volume to 0 to 22050 Hz in lines of 1024 samples, 43 a
 /// second.
 inline void storePlainWaterfall(Preferences& preferences) {
-    using Entry = std::pair<const char*, double>;
-    for (const auto& [key, value] :
-         {Entry{"waterfallEndingFreq", 22050}, Entry{"waterfallGain", 1}, Entry{"waterfallSpeedup", 1},
-          Entry{"fftSizeLog2", 10}, Entry{"WATERFALL_fftSizePopup", 4}, Entry{"WATERFALL_windowPopup", 1},
-          Entry{"colorWaterfallPlot", 1}, Entry{"soundInputVolume", 1000}, Entry{"WATERFALL_minDB", 60},
-          Entry{"WATERFALL_maxDB", 100}})
+    const std::pair<const char*, double> stored[] = {
+        {"waterfallEndingFreq", 22050}, {"waterfallGain", 1},
+        {"waterfallSpeedup", 1},        {"fftSizeLog2", 10},
+        {"WATERFALL_fftSizePopup", 4},  {"WATERFALL_windowPopup", 1},
+        {"colorWaterfallPlot", 1},      {"soundInputVolume", 1000},
+        {"WATERFALL_minDB", 60},        {"WATERFALL_maxDB", 100}};
+    for (const auto& [key, value] : stored)
         preferences.setDouble(key, value);
 }
 
