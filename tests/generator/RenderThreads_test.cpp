@@ -32,17 +32,12 @@ TEST(RenderThreads, WhateverTheUserDoesMeanwhileARecordingIsWhatIsPlayed) {
             bench.setSweep(pick(20000), pick(20000), pick(90000));
             bench.sweep.reverse = pick(2);
             bench.sweep.log = pick(2);
-            if (pick(2) == 0)
-                bench.sweep.startOneShot();
-            if (pick(2) == 0)
-                bench.output.syncPhases();
+            pick(2) == 0 ? bench.sweep.startOneShot() : bench.output.syncPhases();
             const int action = pick(recordsAll ? 100 : 102); // rarely: it logs
             if (action == 0)
                 bench.recorder.flush();
-            else if (action == 100)
-                bench.recorder.start(path);
-            else if (action == 101)
-                bench.recorder.stop();
+            else if (action >= 100)
+                action == 100 ? bench.recorder.start(path) : bench.recorder.stop();
         }
         audio.join();
     }
