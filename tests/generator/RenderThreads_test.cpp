@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <random>
 #include <thread>
@@ -18,32 +19,29 @@ TEST(RenderThreads, WhateverTheUserDoesMeanwhileARecordingIsWhatIsPlayed) {
     const auto pick = [&random](int end) { return std::uniform_int_distribution(0, end - 1)(random); };
     RenderBench bench;
     std::vector<std::int16_t> played;
-    for (const bool recordsAll : {false, true}) {
-        if (recordsAll)
-            bench.recorder.start(path);
+    const std::function<void()> actions[] = {
+        [&] {
+            bench.set(static_cast<std::size_t>(pick(kGeneratorCount)),
+                      {pick(20000) / 1.0, pick(360) / 1.0, 0.5, 1, pick(8), pick(2)});
+        },
+        [&] { bench.setSweep(pick(20000), pick(20000), pick(90000)); },
+        [&] { bench.sweep.reverse = pick(2); },
+        [&] { bench.sweep.log = pick(2); },
+        [&] { bench.sweep.startOneShot(); },
+        [&] { bench.output.syncPhases(); },
+        [&] { bench.recorder.flush(); }, // rarely, as what follows: it logs
+        [&] { bench.recorder.stop(); },
+        [&] { bench.recorder.start(path); },
+    };
+    for (const int lastAction : {9, 7}) { // in the end all is recorded
+        bench.recorder.start(path);
         std::atomic<bool> rendering{true};
         std::thread audio([&] {
             played = bench.render(40); // less than the recorder's ring holds
             rendering = false;
         });
-        while (rendering) {
-            bench.set(static_cast<std::size_t>(pick(kGeneratorCount)),
-                      {pick(20000) / 1.0, pick(360) / 1.0, 0.5, 1, pick(8), pick(2)});
-            bench.setSweep(pick(20000), pick(20000), pick(90000));
-            bench.sweep.reverse = pick(2);
-            bench.sweep.log = pick(2);
-            if (pick(2) == 0)
-                bench.sweep.startOneShot();
-            if (pick(2) == 0)
-                bench.output.syncPhases();
-            const int action = pick(recordsAll ? 100 : 102); // rarely: it logs
-            if (action == 0)
-                bench.recorder.flush();
-            else if (action == 100)
-                bench.recorder.start(path);
-            else if (action == 101)
-                bench.recorder.stop();
-        }
+        while (rendering)
+            actions[pick(pick(20) > 0 ? 6 : lastAction)]();
         audio.join();
     }
     EXPECT_TRUE(bench.recorder.stop());

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <vector>
@@ -22,6 +23,7 @@ Signal step(int edge) {
     return [edge](int i) { return i < edge ? -5 : 5; };
 }
 
+/// The same level everywhere.
 Signal constant(int level) {
     return [level](int) { return level; };
 }
@@ -32,23 +34,20 @@ struct Scope {
     ScopeCapture capture{controls, [this] { ++blocks; }};
     ScopeTrace trace;
 
-    void take(const Signal& left, const Signal& right, int frames = 11025) {
-        std::vector<std::int16_t> buffer;
-        for (int i = 0; i < frames; ++i)
-            buffer.insert(buffer.end(),
-                          {static_cast<std::int16_t>(left(i)), static_cast<std::int16_t>(right(i))});
-        capture.capture(buffer);
-    }
-
+    /// Captures two buffers, which show the first.
     void show(const Signal& left, const Signal& right) {
-        take(left, right);
-        take(left, right);
+        for (const int start : {0, 11025}) {
+            std::vector<std::int16_t> buffer;
+            for (int i = 2 * start; i < 2 * (start + 11025); ++i)
+                buffer.push_back(static_cast<std::int16_t>((i % 2 == 0 ? left : right)(i / 2)));
+            capture.capture(buffer);
+        }
     }
 
     /// Draws in a view with 0.005 points per sample unit and gives the log lines.
-    std::string draw(double width = 1000, double height = 700) {
+    std::string draw() {
         testing::internal::CaptureStderr();
-        trace.build(controls, capture, width, height);
+        trace.build(controls, capture, 1000, 700);
         return testing::internal::GetCapturedStderr();
     }
 };
@@ -60,39 +59,19 @@ TEST(ScopeControls, SlidersGiveGainsAndTraceLengths) {
     for (const auto& [slider, length] :
          {std::pair{1.0, 10000}, {2.5, 316}, {4.0, 10}, {600.0, 10}, {0.0, 10000}, {-5.0, 10}, {kNan, 10}})
         EXPECT_EQ(displayBuflength(scopeSweep(slider)), length) << slider; // 10^10 is the smallest integer
-    for (const auto& [value, set] : {std::pair{0, false}, {1, true}, {256, false}, {-1, true}})
-        EXPECT_EQ(isScopeButtonSet(value), set) << value;
 }
 
-TEST(ScopeCapture, ABlockIsTheFirstOfTwoBuffersAndNegatedUnlessInverted) {
-    Scope scope;
-    scope.controls.invert = {true, false};
-    scope.take(constant(1), constant(2));
-    EXPECT_EQ(scope.capture.display(0)[0], 0);
-    scope.take(constant(3), constant(4));
-    EXPECT_EQ(scope.blocks, 1);
-    EXPECT_EQ(scope.capture.display(0)[11024], 1);
-    EXPECT_EQ(scope.capture.display(1)[11024], -2);
-    EXPECT_EQ(scope.capture.display(1)[11025], 0);
-
-    scope.take(constant(5), constant(5), 1);
-    scope.take(constant(7), constant(7), 100000); // counts for 11025
-    EXPECT_EQ(scope.blocks, 1);
-    scope.take(constant(7), constant(7));
-    EXPECT_EQ(scope.blocks, 2);
-    EXPECT_EQ(scope.capture.display(0)[0], 5);
-}
-
-TEST(ScopeCapture, GainIsLimitedAndTruncated) {
-    const std::tuple<int, double, int> rows[] = {{100, 1.999, 199},   {-100, 1.999, -199}, {328, 100, 32767},
-                                                 {-32768, 1, -32767}, {-7, 1e300, -32767}, {0, HUGE_VAL, 0},
-                                                 {7, kNan, 0}};
+TEST(ScopeCapture, ABlockIsTheFirstOfTwoBuffersScaledAndNegatedUnlessInverted) {
+    const std::tuple<int, double, int> rows[] = {
+        {100, 1.999, 199}, {-100, 1.999, -199}, {328, 100, 32767}, {-32768, 1, -32767}, {7, kNan, 0}};
     for (const auto& [sample, gain, shown] : rows) {
         Scope scope;
+        scope.controls.invert = {true, false};
         scope.controls.range = {gain, 1};
-        scope.show(constant(sample), constant(sample));
-        EXPECT_EQ(scope.capture.display(0)[9], shown) << sample << " by " << gain;
-        EXPECT_EQ(scope.capture.display(1)[9], std::max(sample, -32767));
+        scope.show([level = sample](int i) { return i < 11025 ? level : 3; }, constant(sample));
+        EXPECT_EQ(scope.blocks, 1);
+        EXPECT_EQ(scope.capture.display(0)[11024], shown) << sample << " by " << gain;
+        EXPECT_EQ(scope.capture.display(1)[11024], std::min(-sample, 32767));
     }
 }
 
@@ -106,19 +85,14 @@ TEST(TriggerSearch, FindsTheCrossingBehindTheOtherSideOfTheLevel) {
     } rows[] = {
         {sawtooth, {500.5, false}, 1000, 0, 42, true},
         {sawtooth, {500.5, true}, 1000, 300, 326, true},
-        {sawtooth, {998.5, false}, 10, 0, 1028, true}, // between the two highest samples
         {sawtooth, {999, false}, 10, 0, 22040, false}, // at the highest: nothing is above
         {sawtooth, {-1000, true}, 10, 0, 22040, false},
-        {sawtooth, {0, false}, 10000, 9000, 9056, true},
         {sawtooth, {0, false}, 10000, 11950, 12060, false}, // silence follows
         {step(5000), {0, false}, 10, 4990, 5002, true},     // the edge is the tenth sample behind a low one
         {step(5000), {0, false}, 10, 4995, 5007, true},     // and here among those passed over
         {step(5000), {0, false}, 10, 5000, 22050, false},
-        {step(5000), {0, true}, 10, 0, 22040, false},
         {step(22039), {0, false}, 10, 0, 22040, true}, // the last place with room for 10 samples
         {step(22039), {0, false}, 11, 0, 22039, false},
-        {step(22039), {0, false}, 10, 22029, 22040, false},
-        {step(22039), {0, false}, 10, 22040, 22050, false},
         {sawtooth, {kNan, false}, 10, 0, 22050, false},
         {sawtooth, {500.5, false}, 1000, INT32_MAX, 22060, false},
     };
@@ -127,8 +101,8 @@ TEST(TriggerSearch, FindsTheCrossingBehindTheOtherSideOfTheLevel) {
         for (int i = 0; i < 22050; ++i)
             samples.push_back(static_cast<std::int16_t>(row.signal(i)));
         const auto position = findTrigger(ScopeSamples(samples), row.condition, row.length, row.start);
-        EXPECT_EQ(position.triggerBase, row.triggerBase) << "row " << &row - rows;
-        EXPECT_EQ(position.found, row.found) << "row " << &row - rows;
+        EXPECT_EQ(std::pair(position.triggerBase, position.found), std::pair(row.triggerBase, row.found))
+            << "row " << &row - rows;
     }
 }
 
@@ -140,7 +114,7 @@ TEST(ScopeTrace, LinesRunFromTheTriggerAndAChannelWithoutOneKeepsItsLastBlock) {
     EXPECT_EQ(scope.draw(), "ch 0 triggerBase 8001   displayBuflength 20\n"
                             "ch 1 triggerBase 22040   displayBuflength 20\n"); // its own edge is over
     ASSERT_EQ(scope.trace.line(0).size(), 21U);
-    EXPECT_EQ(scope.trace.line(0)[0], (PlotPoint{0, 550.005}));
+    EXPECT_EQ(scope.trace.line(0)[0], scope.trace.line(0)[1]);
     EXPECT_EQ(scope.trace.line(0)[1], (PlotPoint{0, 550.005}));
     EXPECT_EQ(scope.trace.line(0)[20], (PlotPoint{950, 550.1}));
     EXPECT_EQ(scope.trace.line(1)[2], (PlotPoint{50, 144.5})); // nothing held yet
@@ -149,22 +123,20 @@ TEST(ScopeTrace, LinesRunFromTheTriggerAndAChannelWithoutOneKeepsItsLastBlock) {
     EXPECT_EQ(scope.draw(), "ch 0 triggerBase 12060   displayBuflength 10000\n"
                             "ch 1 triggerBase 8029   displayBuflength 10000\n"); // searched from 8001 on
     ASSERT_EQ(scope.trace.line(0).size(), 10001U);
-    EXPECT_EQ(scope.trace.line(0)[0].y, 550.005);
     EXPECT_EQ(scope.trace.line(0)[3024].y, 565.12);
     EXPECT_EQ(scope.trace.line(0)[3025].y, 545);                // where the held signal ends
     EXPECT_EQ(scope.trace.line(0)[10000].x, 999.9000000000001); // 9999 * 0.1, not summed up
 }
 
 TEST(ScopeTrace, HostileValuesNeverReachThePainter) {
-    const double values[] = {0, 1, -1, 1e300, -1e300, 2147483648.0, HUGE_VAL, -HUGE_VAL, kNan};
     Scope scope;
     scope.show(sawtooth, constant(0));
-    for (const double offset : values) {
-        for (const double size : values) {
-            scope.controls = {.offset = {offset, -offset}, .trigger = {size, offset}, .sweep = size};
-            scope.draw(size, size);
+    for (const double value : {0.0, 1.0, -1.0, 1e300, -1e300, 2147483648.0, HUGE_VAL, -HUGE_VAL, kNan}) {
+        for (const double sweep : {value, 10.0}) {
+            scope.controls = {.offset = {value, 0}, .trigger = {value, 0}, .sweep = sweep};
+            scope.draw();
             for (const PlotPoint& point : scope.trace.line(0))
-                ASSERT_LT(std::abs(point.x) + std::abs(point.y), 1e7) << offset << " and " << size;
+                ASSERT_LT(std::abs(point.x) + std::abs(point.y), 1e7) << value;
         }
     }
 }
