@@ -2,13 +2,17 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <semaphore>
 #include <string>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace sonotrace {
@@ -25,6 +29,15 @@ protected:
         for (std::size_t i = 0; i < frames; ++i, ++frame_)
             std::memcpy(&buffer[2 * i], &frame_, 4);
         recorder_.tap(buffer);
+    }
+
+    /// How the recording comes out that ends here.
+    bool stop() {
+        recorder_.stop();
+        std::optional<bool> whole;
+        for (; !whole; whole = recorder_.outcome()) // the disk takes its time
+            std::this_thread::yield();
+        return *whole;
     }
 
     /// The file's header counts `inHeader` frames, and `frames` follow, counted up from `first`.
@@ -51,7 +64,7 @@ TEST_F(WavRecorderTest, WritesWhatIsPlayedAndCountsAllSinceTheProgramStarted) {
         ASSERT_TRUE(recorder_.flush());
     }
     play(7);
-    EXPECT_TRUE(recorder_.stop());
+    EXPECT_TRUE(stop());
     expectFile("a", 660007, 1000, 660007);
 
     ASSERT_TRUE(recorder_.start(folder_ / "b"));
@@ -59,13 +72,16 @@ TEST_F(WavRecorderTest, WritesWhatIsPlayedAndCountsAllSinceTheProgramStarted) {
     EXPECT_TRUE(recorder_.flush());
     expectFile("b", 660007, 661007 + 250000, 10000);
     EXPECT_DOUBLE_EQ(recorder_.seconds(), 10000 / 44100.0);
-    EXPECT_TRUE(recorder_.stop());
+    EXPECT_FALSE(stop());
+    EXPECT_EQ(recorder_.lostFrames(), 250000U);
     expectFile("b", 660007 + 10000, 661007 + 250000, 10000);
 }
 
 TEST_F(WavRecorderTest, SaysWhatItCannotWriteAndGoesOn) {
     ASSERT_TRUE(recorder_.start(folder_ / "a"));
     EXPECT_FALSE(recorder_.start(folder_ / "no such folder" / "a"));
+    ASSERT_EQ(mkfifo((folder_ / "pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(recorder_.start(folder_ / "pipe")) << "without waiting for a reader";
     EXPECT_FALSE(recorder_.isRecording());
 
     std::signal(SIGXFSZ, SIG_IGN);
@@ -76,12 +92,26 @@ TEST_F(WavRecorderTest, SaysWhatItCannotWriteAndGoesOn) {
     for (const int fault : {0, 1, 2, 3}) { // the disk is full at the start, at the flush, at the stop, never
         full(fault == 0);
         EXPECT_TRUE(recorder_.start(folder_ / "a"));
+        EXPECT_EQ(recorder_.flush(), fault != 0);
         full(fault == 1);
         play(5000);
-        EXPECT_EQ(recorder_.flush(), fault != 1);
+        EXPECT_EQ(recorder_.flush(), fault > 1);
         full(fault == 2);
-        EXPECT_EQ(recorder_.stop(), fault == 3) << fault;
+        EXPECT_EQ(stop(), fault == 3) << fault;
     }
+}
+
+TEST(WriterThread, LetsADiskThatStallsWaitAlone) {
+    WriterThread writer;
+    std::binary_semaphore disk{0};
+    std::atomic<int> written{0};
+    writer.post([&] { disk.acquire(); });
+    writer.post([&] { ++written; });
+    EXPECT_FALSE(writer.wait(std::chrono::milliseconds(1)));
+    EXPECT_EQ(writer.pending(), 2U);
+    disk.release();
+    EXPECT_TRUE(writer.wait(std::chrono::seconds(10)));
+    EXPECT_EQ(written, 1);
 }
 
 TEST(WavHeader, HasTheFieldsOfPcm) {

@@ -41,7 +41,7 @@ TEST_F(PulseTest, ListsInputsFirstAndTheDefaultsBeforeTheOthers) {
     };
     const std::vector<std::string> expected{"line.monitor", "speaker.monitor", "line", "speaker"};
     EXPECT_TRUE(waitFor([&] { return uids() == expected; })) << testing::PrintToString(uids());
-    EXPECT_EQ(devices[0].name, "Monitor of line");
+    EXPECT_EQ(devices[0].name, "Monitor of <b>line</b>");
     EXPECT_EQ(*devices[0].inputStreams, std::vector<std::uint32_t>{2});
     EXPECT_TRUE(devices[0].outputStreams->empty());
     const AudioDeviceID line = devices[0].id;
@@ -137,9 +137,11 @@ TEST_F(PulseTest, ADeviceThatGoesAwayOrIsNotThereIsSaid) {
     EXPECT_TRUE(streams.input->state().moved) << "the default source instead";
     server_.pactl("unload-module $(pactl list short modules | grep sink_name=line | cut -f1)");
     EXPECT_TRUE(waitFor([&] { return streams.output->state().moved; }));
-    EXPECT_EQ(streams.output->state().deviceName, "speaker");
+    EXPECT_EQ(streams.output->state().deviceName, "<b>speaker</b>");
     const int filled = streams.filled;
     EXPECT_TRUE(waitFor([&] { return streams.filled > filled + 3; })) << "it plays on";
+    server_.pactl("load-module module-null-sink sink_name=line");
+    EXPECT_TRUE(waitFor([&] { return !streams.output->state().moved; })) << "it goes back by itself";
     server_.pactl("unload-module module-rescue-streams");
     server_.pactl("unload-module module-null-sink");
     EXPECT_TRUE(waitFor([&] { return streams.output->state().phase == QueueState::Phase::DeviceLost; }));
