@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/FftWindows.h"
+#include "base/ZeroedArray.h"
 #include "spectrum/SpectrumFft.h"
 
 #include <array>
@@ -40,7 +41,7 @@ public:
 
     /// Power of each bin, re² + im², mirrored upper half included: the bins of the last spectrum, followed by
     /// what longer ones before left there, or zeros. Room for more bins than the largest size has.
-    std::span<const double> powerSpectrum() const { return powerSpectrum_; }
+    std::span<const double> powerSpectrum() const { return {powerSpectrum_.data(), powerSpectrum_.size()}; }
 
     double maxPower() const { return maxPower_; } ///< largest value of the last spectrum
     double minPower() const { return minPower_; } ///< smallest value of the last spectrum, at most 1e8
@@ -69,7 +70,7 @@ private:
     std::vector<double> fftWork_; ///< re, im, ...: sum of the blocks, then their spectrum
     SpectrumFft fft_;
 
-    std::vector<double> powerSpectrum_;
+    ZeroedArray<double> powerSpectrum_;
     double maxPower_ = 0;
     double minPower_ = 0;
 };

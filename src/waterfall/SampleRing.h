@@ -1,8 +1,9 @@
 #pragma once
 
+#include "base/ZeroedArray.h"
+
 #include <cstdint>
 #include <span>
-#include <vector>
 
 namespace sonotrace {
 
@@ -33,7 +34,7 @@ public:
 private:
     static std::int32_t after(std::int32_t index) { return index == kSamples - 1 ? 0 : index + 1; }
 
-    std::vector<std::int16_t> waterfallRing_ = std::vector<std::int16_t>(kSamples);
+    ZeroedArray<std::int16_t> waterfallRing_{kSamples};
     std::int32_t ringWriteIndex_ = 0;
     std::int32_t ringReadIndex_ = 0;
 };

@@ -4,6 +4,7 @@
 #include "platform/StreamDescription.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace sonotrace {
 
@@ -12,30 +13,52 @@ namespace {
 // Larger pieces than the buffers of a capture are taken in steps of one, so that the ring cannot overrun.
 constexpr std::size_t kStepSamples = std::size_t{2} * kCaptureFramesPerBuffer;
 
-// Samples to transform for one captured buffer; some 0.2 s of work. What does not fit waits for the next one.
-constexpr std::int64_t kWorkPerBuffer = std::int64_t{1} << 24;
+// Of the quarter of a second that a captured buffer is. Lines that do not fit wait for the next one.
+constexpr std::chrono::milliseconds kWorkPerBuffer{220};
 static_assert(kLargestFrameLength + kCaptureFramesPerBuffer < SampleRing::kSamples);
 
 } // namespace
 
-WaterfallAnalysis::WaterfallAnalysis(WaterfallParameters& parameters, WaterfallImage& image, DeferredLog& log)
-    : parameters_(parameters), image_(image), frames_(parameters, ring_, log) {}
+WaterfallAnalysis::WaterfallAnalysis(WaterfallParameters& parameters, WaterfallImage& image, DeferredLog& log,
+                                     Clock clock)
+    : parameters_(parameters), image_(image), clock_(std::move(clock)), frames_(parameters, ring_, log) {}
 
-void WaterfallAnalysis::capture(std::span<const std::int16_t> interleaved) {
-    if (pass_.isUnderWay() && pass_.speedup != parameters_.waterfallSpeedup.load(std::memory_order_relaxed))
+bool WaterfallAnalysis::capture(std::span<const std::int16_t> interleaved) {
+    drewLines_ = false;
+    const std::int32_t interruptions = interruptions_.load(std::memory_order_relaxed);
+    if (std::exchange(knownInterruptions_, interruptions) != interruptions && pass_.isUnderWay())
         abandonPass();
     while (!interleaved.empty() && !interrupted()) {
         const std::size_t step = std::min(interleaved.size(), kStepSamples);
-        if (ring_.room() > static_cast<std::int32_t>(step / 2)) // else a long pass is far behind
-            ring_.fold(interleaved.first(step));
+        take(interleaved.first(step));
         interleaved = interleaved.subspan(step);
         produceAllLines();
     }
+    return drewLines_;
+}
+
+void WaterfallAnalysis::take(std::span<const std::int16_t> interleaved) {
+    const auto samples = static_cast<std::int32_t>(interleaved.size() / 2);
+    const auto isBehind = [this, samples] { return ring_.room() <= samples; };
+    const bool unwanted =
+        pass_.isUnderWay() && pass_.speedup != parameters_.waterfallSpeedup.load(std::memory_order_relaxed);
+    if (isBehind() && unwanted) {
+        drop(ring_.available());
+        abandonPass();
+    }
+    if (isBehind())
+        drop(samples);
+    else
+        ring_.fold(interleaved);
+}
+
+void WaterfallAnalysis::drop(std::int32_t samples) {
+    droppedSamples_.store(droppedSamples() + samples, std::memory_order_relaxed);
 }
 
 void WaterfallAnalysis::produceAllLines() {
-    work_ = kWorkPerBuffer;
-    while (work_ > 0 && !interrupted()) {
+    deadline_ = clock_() + kWorkPerBuffer;
+    while (!hasToStop()) {
         if (pass_.isUnderWay()) {
             continuePass();
             continue;
@@ -49,8 +72,6 @@ void WaterfallAnalysis::produceAllLines() {
             return;
         ProduceWaterfallLines(length);
     }
-    if (interrupted())
-        abandonPass();
 }
 
 bool WaterfallAnalysis::paused() {
@@ -77,19 +98,20 @@ void WaterfallAnalysis::ProduceWaterfallLines(std::int32_t length) {
         return;
     }
     frames_.takeFrame(length);
-    const std::int32_t drawnLength = frames_.produceLine();
-    image_.drawFFTLine(frames_.magnitudes(), drawnLength, 1, 1);
-    work_ -= drawnLength;
+    draw(frames_.produceLine(), 1, 1);
 }
 
 void WaterfallAnalysis::continuePass() {
-    for (; pass_.isUnderWay() && work_ > 0 && !interrupted(); ++pass_.next) {
+    for (; pass_.isUnderWay() && !hasToStop(); ++pass_.next) {
         frames_.slideFrame(pass_.length, pass_.hop, pass_.keep);
         const std::int32_t drawnLength = frames_.produceSlidLine(); // a new length shows at once
-        image_.drawFFTLine(frames_.magnitudes(), drawnLength, pass_.speedup - pass_.next,
-                           pass_.next == 0 ? pass_.speedup : 0);
-        work_ -= drawnLength;
+        draw(drawnLength, pass_.speedup - pass_.next, pass_.next == 0 ? pass_.speedup : 0);
     }
+}
+
+void WaterfallAnalysis::draw(std::int32_t length, std::int32_t offset, std::int32_t scroll) {
+    image_.drawFFTLine(frames_.magnitudes(length), length, offset, scroll);
+    drewLines_ = true;
 }
 
 void WaterfallAnalysis::abandonPass() {

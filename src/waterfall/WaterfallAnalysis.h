@@ -6,7 +6,9 @@
 #include "waterfall/WaterfallParameters.h"
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <span>
 
 namespace sonotrace {
@@ -24,19 +26,32 @@ namespace sonotrace {
 /// one in the field would make its time axis wrong.
 ///
 /// The longest transform with the largest speed-up makes minutes of work from three seconds of samples. A
-/// pass therefore goes on over as many buffers as it needs, a bounded piece with each; samples that come
-/// while the ring is full are lost, and another speed-up ends it.
+/// pass therefore goes on over as many buffers as it needs, for as long with each as leaves the stream alive,
+/// and ends with the speed-up it began with. Samples that come while the ring is full are dropped; then a
+/// pass whose speed-up is not wanted any more is given up, with all that waits.
 class WaterfallAnalysis {
 public:
+    using Clock = std::function<std::chrono::steady_clock::time_point()>;
+
     /// All arguments outlive the analysis.
-    WaterfallAnalysis(WaterfallParameters& parameters, WaterfallImage& image, DeferredLog& log);
+    WaterfallAnalysis(WaterfallParameters& parameters, WaterfallImage& image, DeferredLog& log,
+                      Clock clock = std::chrono::steady_clock::now);
 
-    /// Takes one captured buffer of interleaved stereo and paints the lines it completes. Capture thread.
-    void capture(std::span<const std::int16_t> interleaved);
+    /// Takes one captured buffer of interleaved stereo and paints the lines it completes, if any. Capture
+    /// thread.
+    bool capture(std::span<const std::int16_t> interleaved);
 
-    /// Makes capture() return after the line it is at, and take nothing in from then on, until resume(). For
-    /// the time a queue is being stopped, so that the window need not wait for the lines. Any thread.
-    void interrupt() { interrupted_.store(1, std::memory_order_relaxed); }
+    /// How many samples were never drawn because the lines asked for take longer than the sound they show.
+    /// Any thread.
+    std::int64_t droppedSamples() const { return droppedSamples_.load(std::memory_order_relaxed); }
+
+    /// Makes capture() return after the line it is at, and take nothing in from then on, until resume(). A
+    /// pass under way is given up. For the time a queue is being stopped, so that the window need not wait
+    /// for the lines. Any thread.
+    void interrupt() {
+        interrupted_.store(1, std::memory_order_relaxed);
+        interruptions_.fetch_add(1, std::memory_order_relaxed);
+    }
     void resume() { interrupted_.store(0, std::memory_order_relaxed); }
 
 private:
@@ -52,21 +67,30 @@ private:
     };
 
     bool interrupted() const { return interrupted_.load(std::memory_order_relaxed) != 0; }
+    bool hasToStop() const { return interrupted() || clock_() >= deadline_; }
     bool paused();
+    void take(std::span<const std::int16_t> interleaved);
+    void drop(std::int32_t samples);
     void produceAllLines();
 
     /// Turns `length` samples of the ring, which holds as many, into a line, or begins a pass with them.
     void ProduceWaterfallLines(std::int32_t length);
     void continuePass();
     void abandonPass(); ///< and goes on with fresh samples
+    void draw(std::int32_t length, std::int32_t offset, std::int32_t scroll);
 
     WaterfallParameters& parameters_;
     WaterfallImage& image_;
+    const Clock clock_;
     SampleRing ring_;
     WaterfallFrames frames_;
     Pass pass_;
-    std::int64_t work_ = 0; ///< samples that may still be transformed for this buffer
+    std::chrono::steady_clock::time_point deadline_; ///< of the lines for this buffer
+    bool drewLines_ = false;
+    std::atomic<std::int64_t> droppedSamples_{0};
     std::atomic<std::int32_t> interrupted_{0};
+    std::atomic<std::int32_t> interruptions_{0}; ///< ever; wraps around
+    std::int32_t knownInterruptions_ = 0;        ///< capture thread
 };
 
 } // namespace sonotrace

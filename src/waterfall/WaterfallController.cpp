@@ -2,16 +2,17 @@
 
 #include "base/FftWindows.h"
 #include "base/Numbers.h"
+#include "base/SampleRate.h"
 #include "base/SystemLog.h"
 #include "ui_WaterfallWindow.h"
 #include "widgets/FilePanels.h"
 #include "widgets/Preferences.h"
 
 #include <QDateTime>
-#include <QTimer>
 
 #include <algorithm>
 #include <thread>
+#include <utility>
 
 namespace sonotrace {
 
@@ -27,9 +28,6 @@ constexpr int kMenuSizes = 12;
 QString decibels(const char* format, double value) {
     return QString::asprintf(format, truncateToInt32(value));
 }
-
-/// There is nothing to upload to.
-void UploadThread(const char*) {}
 
 } // namespace
 
@@ -55,7 +53,13 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
     // A long pass of lines must not keep the window waiting for its end.
     connect(source_.get(), &InputSource::aboutToStop, this, [this] { analysis_.interrupt(); });
     connect(source_.get(), &InputSource::aboutToStart, this, [this] { analysis_.resume(); });
-    connect(source_.get(), &InputSource::started, this, &WaterfallController::addBargraphTimer);
+    // Each start of the stream calls for a timer of its own beside those that run already. They would all do
+    // the same work at the same rate, so one does it.
+    connect(source_.get(), &InputSource::started, &bargraphTimer_, [this] {
+        if (!bargraphTimer_.isActive())
+            bargraphTimer_.start(kMeterInterval);
+    });
+    connect(&bargraphTimer_, &QTimer::timeout, this, &WaterfallController::updateBargraph);
 }
 
 WaterfallController::~WaterfallController() {
@@ -173,15 +177,8 @@ void WaterfallController::connectControls() {
 
 /// Capture thread.
 void WaterfallController::capture(std::span<const std::int16_t> interleaved) {
-    analysis_.capture(interleaved);
-    redrawAsked_.store(1, kRelaxed); // posting an event would allocate
-}
-
-/// One more with every start of the stream; they all keep going.
-void WaterfallController::addBargraphTimer() {
-    auto* timer = new QTimer(this);
-    connect(timer, &QTimer::timeout, this, &WaterfallController::updateBargraph);
-    timer->start(kMeterInterval);
+    if (analysis_.capture(interleaved))
+        redrawAsked_.store(1, kRelaxed); // posting an event would allocate
 }
 
 void WaterfallController::updateBargraph() {
@@ -194,6 +191,15 @@ void WaterfallController::updateBargraph() {
     log_.write();
     if (redrawAsked_.exchange(0, kRelaxed) != 0)
         ui_->mainView->update();
+    showDroppedSamples();
+}
+
+void WaterfallController::showDroppedSamples() {
+    const std::int64_t dropped = analysis_.droppedSamples();
+    if (dropped == std::exchange(saidToBeDropped_, dropped))
+        return;
+    source_->showNotice(QString("The speed-up is too large: lines are dropped (%1 s of sound so far)")
+                            .arg(static_cast<double>(dropped) / kSampleRate, 0, 'f', 1));
 }
 
 void WaterfallController::doFFTSize() {
@@ -254,6 +260,11 @@ void WaterfallController::doTimestamp() {
 void WaterfallController::doUploadButton() {
     systemLog("doUploadButton");
     std::thread(UploadThread, "test").join();
+}
+
+QObject* WaterfallController::uploadOneFile(const QString&, const QString&, const QString&, const QString&,
+                                            const QString&) {
+    return nullptr;
 }
 
 void WaterfallController::menuSaveWaterfallPicture() {

@@ -7,6 +7,8 @@
 #include "widgets/InputSource.h"
 #include "widgets/ToolController.h"
 
+#include <QTimer>
+
 #include <atomic>
 #include <memory>
 
@@ -29,6 +31,11 @@ public:
 
     /// Restores the window and starts to listen. Once.
     void awakeFromNib();
+
+    /// There is nothing to upload to: both do nothing, and the result means nothing.
+    static void UploadThread(const char*) {}
+    static QObject* uploadOneFile(const QString& file, const QString& toHost, const QString& withUserName,
+                                  const QString& andPassword, const QString& andDirectoryOnHost);
 
     /// Shows a measurement: Hz, and points right of the time reference.
     void setMouseHz(float frequency, float deltaX);
@@ -55,8 +62,8 @@ private:
     void hideSpareControls();
     void connectControls();
     void capture(std::span<const std::int16_t> interleaved);
-    void addBargraphTimer();
     void updateBargraph();
+    void showDroppedSamples();
 
     SoundSystem& system_;
     Preferences& preferences_;
@@ -68,6 +75,8 @@ private:
     WaterfallMeasurement measurement_;
     std::atomic<std::int32_t> redrawAsked_{0}; ///< by the capture thread, and not yet heard
     std::unique_ptr<InputSource> source_;
+    QTimer bargraphTimer_;
+    std::int64_t saidToBeDropped_ = 0; ///< samples
 };
 
 } // namespace sonotrace

@@ -10,7 +10,6 @@ namespace {
 // The sizes decide what a line that reads past its end finds there, so they are part of the picture.
 constexpr std::size_t kWorkFloats = 2 * 524289;
 constexpr std::size_t kScratchFloats = 1048576;
-constexpr std::size_t kMagnitudes = 524288;
 static_assert(kWorkFloats >= 4 * kLargestFrameLength, "a slide reads up to 2 N complex numbers");
 
 void logWindow(const LogRecord::Values& values) {
@@ -26,7 +25,7 @@ WaterfallFrames::WaterfallFrames(WaterfallParameters& parameters, SampleRing& ri
       transform_(parameters, log),
       waterfallWork_(kWorkFloats),
       waterfallScratch_(kScratchFloats),
-      waterfallMagnitudes_(kMagnitudes),
+      waterfallMagnitudes_(kLargestFrameLength),
       waterfallCoeffs_(kLargestFrameLength) {
     // The first line builds its own all the same: by then the window's start-up has chosen another one.
     BuildNewWindowCoeffs(parameters.waterfallWindowType.load(std::memory_order_relaxed),

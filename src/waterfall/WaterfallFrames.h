@@ -6,7 +6,6 @@
 
 #include <cstdint>
 #include <span>
-#include <vector>
 
 namespace sonotrace {
 
@@ -36,8 +35,10 @@ public:
     /// The same for the frame of slideFrame().
     std::int32_t produceSlidLine() { return produce(waterfallScratch_); }
 
-    /// The line and all that lies behind it.
-    std::span<const double> magnitudes() const { return waterfallMagnitudes_; }
+    /// The line of a transform of `length` samples.
+    std::span<const double> magnitudes(std::int32_t length) const {
+        return {waterfallMagnitudes_.data(), static_cast<std::size_t>(length)};
+    }
 
     /// WaterfallTransform::adoptRequestedLength.
     std::int32_t adoptRequestedLength() { return transform_.adoptRequestedLength(); }
@@ -51,8 +52,8 @@ private:
     WaterfallTransform transform_;
     AlignedFloats waterfallWork_;    ///< the plain frame, or the sliding one as complex numbers
     AlignedFloats waterfallScratch_; ///< the sliding frame, weighted
-    std::vector<double> waterfallMagnitudes_;
-    std::vector<double> waterfallCoeffs_;
+    ZeroedArray<double> waterfallMagnitudes_;
+    ZeroedArray<double> waterfallCoeffs_;
     std::int32_t coefficientLength_ = -1; ///< what the window was built for last
     FftWindowType coefficientType_ = -1;
 };

@@ -5,6 +5,7 @@
 #include "waterfall/LevelScale.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <limits>
 
@@ -77,20 +78,21 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
     AudibleRange audible;
     double previous = std::numeric_limits<double>::quiet_NaN();
     std::uint32_t pixel = 0;
+    std::array<std::uint32_t, RowBins::kMostRows> words; // of the rows, the last one at the end
     for (std::size_t y = 0; y < bins_.rows(); ++y) {
         const double value = bins_.value(magnitudes, y);
-        const std::int32_t row = ScrollingBitmap::kHeight - 1 - static_cast<std::int32_t>(y);
-        if (scrolls)
-            offscreen_.scrollRow(row, scroll);
         if (value != previous) { // with few bins many rows share one, and a logarithm is what costs
             previous = value;
             pixel = pixels[static_cast<std::size_t>(scale.step(value))];
         }
-        if (paints)
-            offscreen_.setPixel(row, column, pixel);
+        words[words.size() - 1 - y] = pixel;
         statistics.addMagnitude(value);
         audible.add(LevelScale::audible(value));
     }
+    if (scrolls)
+        offscreen_.scrollRows(bins_.rows(), scroll);
+    if (paints)
+        offscreen_.paintColumn(std::span(words).last(bins_.rows()), column);
     // The level follows the magnitude upward, or downward with crossed limits: its extremes are at the ends.
     statistics.addLevel(scale.level(audible.smallest));
     statistics.addLevel(scale.level(audible.largest));

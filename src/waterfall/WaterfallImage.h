@@ -52,6 +52,8 @@ public:
         offscreen_.copyRows(firstRow, rows, columns, rgba, bytesPerLine);
     }
 
+    const ScrollingBitmap& bitmap() const { return offscreen_; }
+
 private:
     const WaterfallParameters& parameters_;
     DeferredLog& log_;

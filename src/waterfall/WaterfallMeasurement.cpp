@@ -5,6 +5,7 @@
 #include "base/SystemLog.h"
 
 #include <array>
+#include <cmath>
 #include <cstdio>
 
 namespace sonotrace {
@@ -31,12 +32,18 @@ std::string WaterfallMeasurement::setMouseHz(float frequency, float deltaX) cons
     const auto pixelsPerSecond = static_cast<double>(static_cast<float>(speedup * (kSampleRate / length)));
     const auto milliseconds =
         static_cast<double>(static_cast<float>(1000.0 * static_cast<double>(deltaX) / pixelsPerSecond));
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%d Hz  %g mSec", truncateToInt32(static_cast<double>(frequency)),
-                  milliseconds);
     systemLog("setMouseHz %g Hz deltaX %g  pixels/sec %g   milliseconds: %g ", static_cast<double>(frequency),
               static_cast<double>(deltaX), pixelsPerSecond, milliseconds);
-    return text.data();
+    std::array<char, 64> hertz{"no frequency"};
+    if (std::isfinite(frequency))
+        std::snprintf(hertz.data(), hertz.size(), "%d Hz", truncateToInt32(static_cast<double>(frequency)));
+    std::array<char, 64> time{};
+    if (std::isfinite(milliseconds))
+        std::snprintf(time.data(), time.size(), "%g mSec", milliseconds);
+    else
+        std::snprintf(time.data(), time.size(), "%g columns (no time while paused)",
+                      static_cast<double>(deltaX));
+    return std::string(hertz.data()) + "  " + time.data();
 }
 
 } // namespace sonotrace

@@ -25,6 +25,7 @@ public:
     WaterfallClick mouseDown(double x, double y, double height) const;
 
     /// The result as text, "%d Hz  %g mSec": columns enter the picture at speedup * (44100 / N) a second.
+    /// What is not finite is said in words.
     std::string setMouseHz(float frequency, float deltaX) const;
 
 private:

@@ -1,6 +1,7 @@
 #include "waterfall/WaterfallView.h"
 
 #include <QBuffer>
+#include <QImage>
 #include <QImageWriter>
 #include <QMouseEvent>
 #include <QPainter>
@@ -25,18 +26,17 @@ void WaterfallView::setModel(WaterfallImage& image) {
 
 void WaterfallView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.fillRect(rect(), Qt::black);
-    if (!image_)
+    if (!image_) {
+        painter.fillRect(rect(), Qt::black);
         return;
+    }
     image_->setBounds(width(), height());
-    const QSize size = this->size().boundedTo(kPicture);
-    if (size.isEmpty())
-        return;
-    if (visible_.size() != size)
-        visible_ = QImage(size, QImage::Format_RGBX8888); // what has not been painted yet is black
-    image_->copyRows(kPicture.height() - size.height(), size.height(), size.width(), visible_.bits(),
-                     visible_.bytesPerLine());
-    painter.drawImage(QPoint(0, height() - size.height()), visible_);
+    const QImage picture(reinterpret_cast<const uchar*>(shown_.words()), kPicture.width(), kPicture.height(),
+                         ShownPicture::kStride * ScrollingBitmap::kBytesPerPixel, QImage::Format_RGB32);
+    // Together they cover the view: nothing is filled under them.
+    for (const ShownPicture::Piece& piece : shown_.update(image_->bitmap(), width(), height()))
+        painter.drawImage(QPoint(piece.x, piece.y), picture,
+                          QRect(piece.copyX, piece.copyY, piece.width, piece.height));
 }
 
 void WaterfallView::mousePressEvent(QMouseEvent* event) {

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "waterfall/ShownPicture.h"
 #include "waterfall/WaterfallImage.h"
 
 #include <QByteArray>
-#include <QImage>
 #include <QWidget>
 
 namespace sonotrace {
@@ -36,7 +36,7 @@ private:
     QByteArray written(const char* format) const;
 
     WaterfallImage* image_ = nullptr;
-    QImage visible_; ///< reused from redraw to redraw
+    ShownPicture shown_;
 };
 
 } // namespace sonotrace

@@ -44,6 +44,8 @@ TEST_F(WaterfallWindowTest, TheEngineGetsWhatIsStoredAndWhatIsTyped) {
     window_->resize(3000, 2500);
     view().grab();
     EXPECT_EQ(view().size(), QSize(1536, 1024));
+    EXPECT_EQ(find<QWidget>("controlRows").geometry().topRight(),
+              view().geometry().bottomRight() + QPoint(0, 1));
 }
 
 TEST_F(WaterfallWindowTest, AToneIsALineThatAPictureKeeps) {
@@ -59,6 +61,11 @@ TEST_F(WaterfallWindowTest, AToneIsALineThatAPictureKeeps) {
     const int middle = shown.height() / 2;
     const QColor line = shown.pixelColor(shown.width() - 5, middle);
     EXPECT_GT(line.red(), 250) << "the top of the colour map";
+    QImage fine(2 * shown.size(), shown.format());
+    fine.setDevicePixelRatio(2);
+    view().render(&fine);
+    fine.setDevicePixelRatio(1);
+    EXPECT_EQ(fine, shown.scaled(fine.size())) << "on a screen with four pixels a point";
     EXPECT_TRUE(QTest::qWaitFor([this] { return find<LevelIndicator>("volumeLevel").doubleValue() > 0.88; }));
 
     QTest::mouseClick(&view(), Qt::RightButton, {}, QPoint(100, 10));

@@ -2,32 +2,62 @@
 
 #include "waterfall/WaterfallAnalysis.h"
 
+#include <array>
+#include <chrono>
 #include <cmath>
-#include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
+#include <limits>
 #include <sstream>
 #include <string>
 #include <vector>
 
 namespace sonotrace {
 
-/// What a line left on the system log.
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+/// The extremes of a line's magnitudes.
 struct LoggedLine {
-    double minSum, maxSum, minV, maxV;
+    double smallest, largest;
+    bool operator==(const LoggedLine&) const = default;
 };
 
-/// A whole waterfall without a window.
+/// A whole waterfall without a window, in grey. Every bin is a row or two of its view, so that a line's log
+/// tells the extremes of all of them.
 struct Waterfall {
     WaterfallParameters parameters;
     DeferredLog log;
     WaterfallImage image{parameters, log};
-    WaterfallAnalysis analysis{parameters, image, log};
+    std::chrono::milliseconds now{};
+    std::function<void()> clockIsRead = [] {}; ///< before each line
+    WaterfallAnalysis analysis{parameters, image, log, [this] {
+                                   clockIsRead();
+                                   return std::chrono::steady_clock::time_point(now);
+                               }};
 
-    /// The length in force, the one that the next line takes up, and the lines a frame.
-    void setFrames(double length, std::int32_t requestedLog2, std::int32_t speedup) {
+    template <typename... Values>
+    explicit Waterfall(Values... values) {
+        set(values...);
+    }
+
+    /// Sane values: the length in force, the one that the next line takes up, the lines a frame, and what the
+    /// view shows.
+    void set(double length = 1024.0, std::int32_t requestedLog2 = 10, std::int32_t speedup = 1,
+             double startFreq = 0.0, double endFreq = 22050.0) {
         parameters.waterfallFftLen = length;
         parameters.fftSizeLog2 = requestedLog2;
         parameters.waterfallSpeedup = speedup;
+        parameters.waterfallWindowType = 1;
+        parameters.colorWaterfallPlot = 0;
+        setFrequencies(startFreq, endFreq);
+        setLimits(50.0F, 100.0F);
+        image.setBounds(800.0, 1000.0);
+    }
+
+    void setFrequencies(double start, double end) {
+        parameters.waterfallStartFreq = start;
+        parameters.waterfallEndFreq = end;
     }
 
     void setLimits(float minDB, float maxDB) {
@@ -37,11 +67,10 @@ struct Waterfall {
 
     /// Pixel of the picture as 0xAABBGGRR.
     std::uint32_t pixel(std::int32_t row, std::int32_t column) const {
-        std::vector<std::uint8_t> line(ScrollingBitmap::kBytesPerRow);
-        image.copyRows(row, 1, ScrollingBitmap::kWidth, line.data(), ScrollingBitmap::kBytesPerRow);
-        std::uint32_t word = 0;
-        std::memcpy(&word, line.data() + std::ptrdiff_t{4} * column, sizeof(word));
-        return word;
+        std::array<std::uint32_t, ScrollingBitmap::kWidth> line;
+        image.copyRows(row, 1, ScrollingBitmap::kWidth, reinterpret_cast<std::uint8_t*>(line.data()),
+                       ScrollingBitmap::kBytesPerRow);
+        return line[static_cast<std::size_t>(column)];
     }
 
     /// The lines drawn since the last call.
@@ -52,8 +81,7 @@ struct Waterfall {
         std::vector<LoggedLine> lines;
         for (std::string text; std::getline(written, text);) {
             LoggedLine line{};
-            if (std::sscanf(text.c_str(), "minSum:%lg  maxSum:%lg  minV:%lg  maxV:%lg", &line.minSum,
-                            &line.maxSum, &line.minV, &line.maxV) == 4)
+            if (std::sscanf(text.c_str(), "minSum:%lg  maxSum:%lg", &line.smallest, &line.largest) == 2)
                 lines.push_back(line);
         }
         return lines;

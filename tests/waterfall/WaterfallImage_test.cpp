@@ -2,9 +2,10 @@
 
 #include "waterfall/ColorMap.h"
 #include "waterfall/LevelScale.h"
+#include "waterfall/ShownPicture.h"
 #include "waterfall/WaterfallMeasurement.h"
 
-#include <numeric>
+#include <cstring>
 #include <random>
 #include <span>
 #include <thread>
@@ -12,74 +13,89 @@
 namespace sonotrace {
 namespace {
 
-const double kNan = std::nan("");
-
-struct Line {
-    double width, height, startFreq, endFreq;
-    std::int32_t len, offset, scroll;
-};
-
-/// Paints in grey on a plain block of memory whose rows are moved pixel by pixel.
-void paint(std::vector<std::uint32_t>& pixels, const std::vector<double>& magnitudes, const Line& line) {
-    const double binWidth = 44100.0 / line.len;
-    const double rowStep = (line.endFreq - line.startFreq) / line.height;
-    for (int y = 0; y < line.height; ++y) {
-        const auto lo = static_cast<std::size_t>((line.startFreq + y * rowStep) / binWidth);
-        const auto hi = static_cast<std::size_t>((line.startFreq + (y + 1) * rowStep) / binWidth);
-        const auto bins = std::span(magnitudes).subspan(lo, hi - lo < 2 ? 1 : hi - lo);
-        const double value =
-            std::accumulate(bins.begin(), bins.end(), 0.0) / static_cast<double>(bins.size());
+/// Draws a line into plain memory, whose rows are moved pixel by pixel, as the waterfall was told to.
+void drawPlainly(std::vector<std::uint32_t>& pixels, const Waterfall& waterfall,
+                 const std::vector<double>& magnitudes, std::int32_t len, std::int32_t offset,
+                 std::int32_t scroll) {
+    const LevelScale scale(50.0F, 100.0F);
+    const auto [width, height] = waterfall.image.bounds();
+    const double start = waterfall.parameters.waterfallStartFreq;
+    const double rowStep = (waterfall.parameters.waterfallEndFreq - start) / static_cast<double>(height);
+    const auto column = static_cast<std::int32_t>(width - static_cast<float>(offset));
+    for (std::int32_t y = 0; static_cast<float>(y) < height; ++y) {
+        const auto lo = static_cast<std::size_t>((start + y * rowStep) / (44100.0 / len));
+        const auto hi = static_cast<std::size_t>((start + (y + 1) * rowStep) / (44100.0 / len));
+        const std::size_t bins = hi < lo + 2 ? 1 : hi - lo;
+        double sum = 0.0;
+        for (std::size_t bin = lo; bin < lo + bins; ++bin)
+            sum += magnitudes[bin];
         std::uint32_t* const row = pixels.data() + std::ptrdiff_t{1023 - y} * 1536;
-        if (line.scroll > 0 && line.scroll < 1536)
-            std::memmove(row, row + line.scroll, static_cast<std::size_t>(6144 - 4 * line.scroll));
-        const int column = static_cast<int>(line.width - line.offset);
+        if (scroll > 0 && scroll < 1536)
+            std::memmove(row, row + scroll, static_cast<std::size_t>(6144 - 4 * scroll));
+        const std::int32_t step = scale.step(sum / static_cast<double>(bins));
         if (column >= 0 && column < 1536)
-            row[column] =
-                0xFF000000U + 0x010101U * static_cast<std::uint32_t>(LevelScale(50.0F, 100.0F).step(value));
+            row[column] = 0xFF000000U + 0x010101U * static_cast<std::uint32_t>(step);
     }
 }
 
-TEST(WaterfallImage, IsAfterAnyLinesTheOneWhoseRowsWereMoved) {
+/// Whether the pieces make up what a copy of the view's part of a grey picture is, on black.
+bool showsTheView(ShownPicture& shown, const WaterfallImage& image, std::int32_t width, std::int32_t height) {
+    std::vector<std::uint32_t> copy(static_cast<std::size_t>(width * height));
+    image.copyRows(1024 - height, height, width, reinterpret_cast<std::uint8_t*>(copy.data()), 4 * width);
+    for (std::uint32_t& word : copy)
+        word |= 0xFF000000U;
+    std::vector<std::uint32_t> view(copy.size());
+    for (const ShownPicture::Piece& piece : shown.update(image.bitmap(), width, height))
+        for (std::int32_t y = 0; y < piece.height; ++y)
+            std::copy_n(shown.words() + (piece.copyY + y) * ShownPicture::kStride + piece.copyX, piece.width,
+                        view.begin() + (piece.y + y) * width + piece.x);
+    return view == copy;
+}
+
+TEST(WaterfallImage, IsAfterAnyLinesTheOneWhoseRowsWereMovedAndIsShownSo) {
     std::mt19937 random(11);
     const auto pick = [&random](int low, int high) {
         return std::uniform_int_distribution<int>(low, high)(random);
     };
     Waterfall waterfall;
-    waterfall.parameters.colorWaterfallPlot = 0;
+    ShownPicture shown;
     std::vector<std::uint32_t> plain(1536 * 1024);
     std::vector<double> magnitudes(8192);
     for (int count = 0; count < 250; ++count) {
         for (double& magnitude : magnitudes)
             magnitude = std::exp(pick(0, 20000) / 1000.0);
-        Line line{.width = pick(0, 2) / 2.0 + pick(1, 1535),
-                  .height = pick(0, 1) / 2.0 + pick(1, 1023),
-                  .startFreq = pick(0, 9000) / 1.0,
-                  .endFreq = pick(9000, 22050) / 1.0,
-                  .len = 64 << pick(0, 7),
-                  .offset = pick(-20, 40),
-                  .scroll = pick(0, 3) > 0 ? pick(-1, 3) : pick(-2000, 2000)};
-        waterfall.parameters.waterfallStartFreq = line.startFreq;
-        waterfall.parameters.waterfallEndFreq = line.endFreq;
-        waterfall.image.setBounds(line.width, line.height);
-        waterfall.image.drawFFTLine(magnitudes, line.len, line.offset, line.scroll);
-        paint(plain, magnitudes, line);
+        if (count % 9 == 0)
+            waterfall.image.setBounds(pick(2, 3070) / 2.0, pick(2, 2046) / 2.0);
+        waterfall.setFrequencies(pick(0, 9000), pick(9000, 22050));
+        const int len = 64 << pick(0, 7);
+        const int offset = pick(-20, 40);
+        const int scroll = pick(0, 3) > 0 ? pick(-1, 3) : pick(0, 3) > 0 ? pick(-2000, 2000) : 1536;
+        waterfall.image.drawFFTLine(magnitudes, len, offset, scroll);
+        drawPlainly(plain, waterfall, magnitudes, len, offset, scroll);
+        const auto [width, height] = waterfall.image.bounds();
+        if (count % 7 == 0) {
+            ASSERT_TRUE(
+                showsTheView(shown, waterfall.image, static_cast<int>(width), static_cast<int>(height)));
+        }
     }
-    std::vector<std::uint32_t> shown(plain.size());
-    waterfall.image.copyRows(0, 1024, 1536, reinterpret_cast<std::uint8_t*>(shown.data()), 6144);
-    EXPECT_TRUE(shown == plain);
+    std::vector<std::uint32_t> whole(plain.size());
+    waterfall.image.copyRows(0, 1024, 1536, reinterpret_cast<std::uint8_t*>(whole.data()), 6144);
+    EXPECT_TRUE(whole == plain);
 
     // The bottom-left corner, row by row, within lines that are longer than it; nothing else is written.
     std::vector<std::uint32_t> corner(std::size_t{100} * 37, 0x12345678U);
     waterfall.image.copyRows(1024 - 37, 37, 77, reinterpret_cast<std::uint8_t*>(corner.data()), 400);
     for (std::size_t i = 0; i < corner.size(); ++i)
-        ASSERT_EQ(corner[i], i % 100 < 77 ? shown[(1024 - 37 + i / 100) * 1536 + i % 100] : 0x12345678U);
+        ASSERT_EQ(corner[i], i % 100 < 77 ? whole[(1024 - 37 + i / 100) * 1536 + i % 100] : 0x12345678U);
 }
 
 TEST(WaterfallImage, LogsTheExtremesOfEachLineAndOfLinesThatFoundNoView) {
     Waterfall waterfall;
+    waterfall.parameters.colorWaterfallPlot = 1;
     waterfall.setLimits(25.0F, 75.0F);
-    waterfall.parameters.waterfallEndFreq = 4 * 689.0625;
-    const std::vector<double> magnitudes = {10000.0, 0.5, std::nan(""), 1000.0};
+    waterfall.setFrequencies(0.0, 4 * 689.0625);
+    waterfall.image.setBounds(0.0, 0.0);
+    const std::vector<double> magnitudes = {10000.0, 0.5, kNan, 1000.0};
     waterfall.image.drawFFTLine(magnitudes, 64, 1, 1);
     waterfall.image.setBounds(800.0, 4.0);
     waterfall.image.drawFFTLine(magnitudes, 64, 1, 1);
@@ -96,8 +112,6 @@ TEST(WaterfallImage, LogsTheExtremesOfEachLineAndOfLinesThatFoundNoView) {
 
 TEST(WaterfallImage, IsShownWhileItIsPainted) {
     Waterfall waterfall;
-    waterfall.parameters.waterfallEndFreq = 22050.0;
-    waterfall.image.setBounds(1000.0, 200.0);
     const std::vector<std::int16_t> sound = tone(10, 64, 9000.0, 11025);
     std::atomic<bool> painting{true};
     std::thread capture([&] {
@@ -105,17 +119,27 @@ TEST(WaterfallImage, IsShownWhileItIsPainted) {
             waterfall.analysis.capture(sound);
         painting = false;
     });
-    std::vector<std::uint32_t> view(std::size_t{1000} * 200);
+    ShownPicture shown;
     for (std::int32_t round = 0; painting || round == 0; ++round) {
         waterfall.parameters.waterfallSpeedup = 1 + round % 3;
         waterfall.parameters.fftSizeLog2 = 6 + round % 4;
-        waterfall.image.setBounds(990.0 + round % 10, 190.0 + round % 10);
-        waterfall.image.copyRows(1024 - 200, 200, 1000, reinterpret_cast<std::uint8_t*>(view.data()), 4000);
-        for (const std::uint32_t word : view)
-            EXPECT_TRUE(word == 0 || word >> 24U == 0xFFU) << word;
+        waterfall.image.setBounds(790.0 + round % 10, 190.0 + round % 10);
+        shown.update(waterfall.image.bitmap(), 800, 200);
         waterfall.loggedLines();
     }
     capture.join();
+    EXPECT_TRUE(showsTheView(shown, waterfall.image, 800, 200))
+        << "what was painted meanwhile is made up for";
+}
+
+TEST(ShownPicture, BringsOverOnlyWhatWasPaintedAndScrollsWithoutACopy) {
+    Waterfall waterfall;
+    ShownPicture shown;
+    for (const std::size_t columns : {1536U, 2U, 2U}) { // at the right edges of the picture and of the view
+        EXPECT_LE(shown.update(waterfall.image.bitmap(), 800, 1000).size(), 2U);
+        EXPECT_EQ(shown.copiedColumns(), columns);
+        waterfall.image.drawFFTLine(std::vector<double>(64, 1e9), 64, 1, 1);
+    }
 }
 
 TEST(WaterfallMeasurement, TellsTheFrequencyAndTheTimeSinceTheRightClick) {
@@ -138,28 +162,27 @@ TEST(WaterfallMeasurement, TellsTheFrequencyAndTheTimeSinceTheRightClick) {
     parameters.waterfallSpeedup = 3;
     EXPECT_EQ(measurement.setMouseHz(-0.9F, -100.0F), "0 Hz  -773.998 mSec");
     parameters.waterfallSpeedup = 0;
-    EXPECT_EQ(measurement.setMouseHz(static_cast<float>(kNan), 1.0F), "-2147483648 Hz  inf mSec");
+    EXPECT_EQ(measurement.setMouseHz(5.0F, 0.0F), "5 Hz  0 columns (no time while paused)");
+    const WaterfallClick early = measurement.mouseDown(10.0, 20.0, 0.0); // before there is a picture
+    EXPECT_EQ(measurement.setMouseHz(early.frequency, early.deltaX),
+              "no frequency  -140 columns (no time while paused)");
 }
 
 TEST(LevelScale, PutsMagnitudesOnStepsBetweenFloorAndCeiling) {
-    struct Case {
-        float minDB, maxDB;
-        double magnitude;
-        std::int32_t step;
-    };
-    for (const Case& c :
+    using Case = std::tuple<float, float, double, std::int32_t>;
+    for (const auto& [minDB, maxDB, magnitude, step] :
          {Case{25, 75, 54.0, 0}, Case{25, 75, 1000.0, 92}, Case{25, 75, 10000.0, 166},
-          Case{25, 75, 157700.0, 253}, Case{25, 75, 162755.0, 254}, Case{25, 75, HUGE_VAL, 254},
+          Case{25, 75, 157700.0, 253}, Case{25, 75, 162755.0, 254}, Case{25, 75, kInfinity, 254},
           Case{25, 75, kNan, 0}, Case{-50, 50, 0.5, 127},    // silence in mid-scale
           Case{75, 25, 1.0, 254}, Case{75, 25, 10000.0, 88}, // crossed: loud is dark
           Case{50, 50, 1.0, 0}, Case{50, 50, 10000.0, 254}}) {
-        EXPECT_EQ(LevelScale(c.minDB, c.maxDB).step(c.magnitude), c.step)
-            << c.minDB << ".." << c.maxDB << " " << c.magnitude;
+        EXPECT_EQ(LevelScale(minDB, maxDB).step(magnitude), step)
+            << minDB << ".." << maxDB << " " << magnitude;
     }
 }
 
 TEST(ColorMap, RunsFromBlackOverBlueCyanGreenYellowAndRedToPurple) {
-    using Entry = std::pair<std::size_t, std::uint32_t>; // alpha, blue, green, red
+    using Entry = std::pair<std::size_t, std::uint32_t>; // a step, and alpha, blue, green, red
     ColorMap map;
     for (const auto& [step, word] :
          {Entry{0, 0xFF000000}, Entry{42, 0xFFF90000}, Entry{43, 0xFFFF0000}, Entry{44, 0xFFFF0500},
