@@ -31,8 +31,8 @@ std::atomic<std::uint64_t> droppedAndSaid{0};
     return text;
 }
 
-/// Writes without waiting: what is reported to have room takes a piece of PIPE_BUF bytes. A descriptor that is
-/// closed or broken takes everything. False when there was no room for all of it.
+/// Writes without waiting: what is reported to have room takes a piece of PIPE_BUF bytes. A descriptor that
+/// is closed or broken takes everything. False when there was no room for all of it.
 bool writeAtOnce(int descriptor, std::string_view text) {
     while (!text.empty()) {
         pollfd output{.fd = descriptor, .events = POLLOUT, .revents = 0};

@@ -43,17 +43,6 @@ class ServerTrouble : public GeneratorEndToEnd {};
 INSTANTIATE_TEST_SUITE_P(Servers, ServerTrouble, testing::Values(PrivateServer::Kind::PulseAudio),
                          serverName);
 
-TEST_P(ServerTrouble, AHungServerDoesNotKeepTheProgramFromQuitting) {
-    Program program({"--audio", "pulse"});
-    const Monitor monitor("speaker.monitor", path("heard"));
-    ASSERT_TRUE(waitFor([&] { return monitor.soundingFrames() > 1000; }));
-    server_.freeze();
-    EXPECT_TRUE(program.quit());
-    server_.thaw();
-    EXPECT_EQ(Preferences().integerValue("GenType2"), 5);
-    EXPECT_EQ(Preferences().integerValue("MAIN_outputPopup"), 0);
-}
-
 TEST_P(ServerTrouble, WithoutAServerTheLoopbackPlays) {
     server_.stop();
     Program program;
