@@ -26,18 +26,19 @@ public:
     StoredControls(Preferences& preferences, QWidget& window, const char* frameKey);
 
     /// A field or a slider is kept in single precision, a box as 0 or 1, a pop-up as its index.
-    void add(const char* key, NumberField& field, Adopt<float> adopt = std::identity());
-    void add(const char* key, RealSlider& slider, Adopt<float> adopt = std::identity());
-    void add(const char* key, QCheckBox& box, Adopt<std::int32_t> adopt = std::identity());
-    void add(const char* key, QComboBox& popup, Adopt<std::int32_t> adopt = std::identity());
+    void add(const char* key, NumberField& field, const Adopt<float>& adopt = std::identity());
+    void add(const char* key, RealSlider& slider, const Adopt<float>& adopt = std::identity());
+    void add(const char* key, QCheckBox& box, const Adopt<std::int32_t>& adopt = std::identity());
+    void add(const char* key, QComboBox& popup, const Adopt<std::int32_t>& adopt = std::identity());
 
     /// An input volume is kept as a whole number in double precision.
     void addVolume(const char* key, RealSlider& slider);
 
     /// Values that are not kept as a control shows them.
-    void addInteger(const char* key, std::function<void(std::int32_t)> restore,
-                    std::function<std::int32_t()> store);
-    void addDouble(const char* key, std::function<void(double)> restore, std::function<double()> store);
+    void addInteger(const char* key, const std::function<void(std::int32_t)>& restore,
+                    const std::function<std::int32_t()>& store);
+    void addDouble(const char* key, const std::function<void(double)>& restore,
+                   const std::function<double()>& store);
 
     void restore() const;
     void store() const;
