@@ -170,7 +170,7 @@ TEST_F(WindowControlTest, ASettingsFileIsTakenAsItIsWrittenExactlyAndClampedByTh
     EXPECT_EQ(slot(1).frequency, 1000.123456789012) << "the field shows all of it";
     control_->openSettings(path("not there"));
     EXPECT_EQ(notice(), "not there cannot be read: no such file");
-    std::ofstream(path("empty").toStdString());
+    const std::ofstream empty(path("empty").toStdString());
     control_->openSettings(path("empty"));
     EXPECT_EQ(notice(), "empty is too short for a settings file: the rest counts as zero");
 }

@@ -18,9 +18,11 @@ void __sanitizer_malloc_hook(const volatile void*, std::size_t) {
     ++allocations;
 }
 #else
+// NOLINTBEGIN(bugprone-reserved-identifier): the C library's own names
 void* __libc_malloc(std::size_t);
 void* __libc_calloc(std::size_t, std::size_t);
 void* __libc_memalign(std::size_t, std::size_t);
+// NOLINTEND(bugprone-reserved-identifier)
 
 void* malloc(std::size_t bytes) {
     ++allocations;

@@ -68,7 +68,11 @@ void PrivateServer::start() {
         _exit(127);
     }
     setpgid(process_, process_);
-    if (!waitFor([this] { return pactl("get-default-source").find("speaker.monitor") == 0; }, 20.0)) {
+    const auto isReady = [this] {
+        return pactl("list short sinks").find("line") != std::string::npos &&
+               pactl("get-default-source").find("speaker.monitor") == 0;
+    };
+    if (!waitFor(isReady, 20.0)) {
         stop();
         throw std::runtime_error("the sound server does not answer");
     }

@@ -129,7 +129,8 @@ struct Streams {
     /// Where in what was heard the noise begins; the end when it does not. With the mutex held.
     std::size_t beginning() const {
         const std::int16_t start[] = {noise(0), noise(1), noise(2), noise(3)};
-        return static_cast<std::size_t>(std::ranges::search(heard, start).begin() - heard.begin());
+        return static_cast<std::size_t>(
+            std::search(heard.begin(), heard.end(), std::begin(start), std::end(start)) - heard.begin());
     }
 
     /// Whether everything heard after the first noise is the noise from its beginning, without a gap.
