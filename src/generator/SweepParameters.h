@@ -39,12 +39,10 @@ struct SweepParameters {
 
     /// Ends a one-shot pass, unless the user has started a new one meanwhile. Audio thread.
     void endPass() {
-        if (restart.load() != 0)
-            return;
         enabled.store(0);
         done.store(1);
         oneShot.store(0);
-        if (restart.load() != 0) // just now: some of it may have come before the above and be lost
+        if (restart.load() != 0) // what else it has stored may have come before the above and be lost
             startOneShot();
     }
 };
