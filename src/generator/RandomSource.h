@@ -7,6 +7,8 @@
 
 namespace sonotrace {
 
+inline constexpr std::size_t kRandomWords = 624; ///< of the generator's state
+
 /// The 32-bit Mersenne Twister MT19937 with the seeding of its 1998 form. It seeds itself with 4357 on first
 /// use, so that every run of the program makes the same noise and measurements can be repeated. Audio thread.
 class RandomSource {
@@ -15,14 +17,12 @@ public:
     void draw(std::span<std::uint32_t> values);
 
 private:
-    static constexpr std::size_t kWords = 624;
-
     void seed(std::uint32_t seed);
     void refill();
 
-    std::array<std::uint32_t, kWords> state_{};
-    std::array<std::uint32_t, kWords> outputs_{};
-    std::size_t used_ = kWords; ///< outputs handed out
+    std::array<std::uint32_t, kRandomWords> state_{};
+    std::array<std::uint32_t, kRandomWords> outputs_{};
+    std::size_t used_ = kRandomWords; ///< outputs handed out
     bool seeded_ = false;
 };
 
