@@ -82,7 +82,8 @@ struct WavRecorder::File {
 
     void write(long position, int whence, const void* bytes, std::size_t count) {
         const bool written = std::fseek(stream, position, whence) == 0 &&
-                             std::fwrite(bytes, 1, count, stream) == count && std::fflush(stream) == 0;
+                             (count == 0 || std::fwrite(bytes, 1, count, stream) == count) &&
+                             std::fflush(stream) == 0;
         if (!written)
             failed = true;
     }
