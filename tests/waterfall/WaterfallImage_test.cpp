@@ -190,7 +190,6 @@ TEST(ColorMap, RunsFromBlackOverBlueCyanGreenYellowAndRedToPurple) {
           Entry{153, 0xFF00FFFF}, Entry{155, 0xFF00FBFF}, Entry{216, 0xFF0000FF}, Entry{218, 0xFF0300FF},
           Entry{255, 0xFF8000FF}})
         EXPECT_EQ(map.colors()[step], word) << step;
-    EXPECT_EQ(map.greys()[200], 0xFFC8C8C8);
 }
 
 } // namespace
