@@ -8,7 +8,7 @@ namespace sonotrace {
 
 namespace {
 constexpr std::uint32_t kFragmentFrames =
-    1102; // 25 ms, so that the level meter moves between two full buffers
+    2205; // 50 ms, which the level meters show of
 }
 
 Status PulseInputQueue::enableLevelMetering(bool enabled) {
