@@ -86,7 +86,7 @@ void SpectrumView::paintTrace(QPainter& painter) const {
     painter.restore();
 }
 
-void SpectrumView::paintGrid(QPainter& painter, const SpectrumGrid& grid) const {
+void SpectrumView::paintGrid(QPainter& painter, const SpectrumGrid& grid) {
     painter.setFont(labelFont(font()));
     const auto grey = static_cast<float>(std::clamp(display_->gridBrightness, 0.0F, 1.0F));
     painter.setPen(QColor::fromRgbF(grey, grey, grey));
@@ -100,9 +100,10 @@ void SpectrumView::paintGrid(QPainter& painter, const SpectrumGrid& grid) const 
     }
 }
 
-void SpectrumView::paintLabel(QPainter& painter, const GridLabel& label) const {
-    const QPointF baseline(label.x, height() - label.y - painter.fontMetrics().descent());
-    painter.drawText(baseline, QString::fromStdString(label.text));
+void SpectrumView::paintLabel(QPainter& painter, const GridLabel& label) {
+    const double baseline = height() - label.y - painter.fontMetrics().descent();
+    const QStaticText& text = texts_.laidOut(QString::fromStdString(label.text), painter.font());
+    painter.drawStaticText(QPointF(label.x, baseline - QFontMetricsF(painter.font()).ascent()), text);
 }
 
 } // namespace sonotrace

@@ -3,6 +3,7 @@
 #include "spectrum/SpectrumAnalysis.h"
 #include "spectrum/SpectrumGeometry.h"
 #include "spectrum/SpectrumTrace.h"
+#include "widgets/CachedTexts.h"
 
 #include <QWidget>
 
@@ -27,12 +28,13 @@ protected:
 
 private:
     void paintTrace(QPainter& painter) const;
-    void paintGrid(QPainter& painter, const SpectrumGrid& grid) const;
-    void paintLabel(QPainter& painter, const struct GridLabel& label) const;
+    void paintGrid(QPainter& painter, const SpectrumGrid& grid);
+    void paintLabel(QPainter& painter, const struct GridLabel& label);
 
     const SpectrumAnalysis* analysis_ = nullptr;
     const SpectrumDisplay* display_ = nullptr;
     SpectrumTrace trace_;
+    CachedTexts texts_;
 };
 
 } // namespace sonotrace

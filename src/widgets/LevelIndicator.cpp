@@ -2,6 +2,7 @@
 
 #include "widgets/MeterScale.h"
 
+#include <QAccessible>
 #include <QPainter>
 
 namespace sonotrace {
@@ -15,9 +16,17 @@ const QColor kQuiet(0x2e, 0xa0, 0x43);
 const QColor kLoud(0xd2, 0x99, 0x22);
 const QColor kTooLoud(0xda, 0x36, 0x33);
 
-QString readout(double peak) {
-    const double decibels = decibelsOfPeak(peak);
-    return decibels < kLevelScaleFloor ? "−∞ dB" : QString("%1 dB").arg(decibels, 0, 'f', 1);
+constexpr auto kBelowScale = "below -60 dB"; // the longest readout
+constexpr long kLowest = static_cast<long>(kLevelScaleFloor * 10);
+
+/// Tenths of a decibel, as far as the scale goes; one less below it.
+long tenthsOf(double peak) {
+    return std::lround(std::max(decibelsOfPeak(peak) * 10.0, kLowest - 1.0));
+}
+
+QString readout(long tenths) {
+    return tenths < kLowest ? kBelowScale
+                            : QString("%1 dB").arg(0.1 * static_cast<double>(tenths), 0, 'f', 1);
 }
 
 /// Where a level lies on the bar.
@@ -27,7 +36,8 @@ double placeOnBar(const QRectF& bar, double decibels) {
 
 } // namespace
 
-LevelIndicator::LevelIndicator(QWidget* parent) : QWidget(parent), readout_(readout(0.0)) {
+LevelIndicator::LevelIndicator(QWidget* parent)
+    : QWidget(parent), tenths_(tenthsOf(0.0)), readout_(readout(tenths_)) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setAttribute(Qt::WA_OpaquePaintEvent);
     placeBar();
@@ -37,24 +47,27 @@ void LevelIndicator::setDoubleValue(double value) {
     const auto lastPixel = [this](double peak) {
         return std::lround(placeOnBar(bar_, decibelsOfPeak(peak)) * devicePixelRatio());
     };
-    const QString text = readout(value);
     // Repaint only what can be seen: it takes a round trip to the display.
-    if (text != readout_ || lastPixel(value) != lastPixel(value_))
+    const long tenths = tenthsOf(value);
+    if (tenths != tenths_ || lastPixel(value) != lastPixel(value_))
         update();
-    if (text != readout_)
-        setAccessibleDescription(QString("Input level, %1").arg(text));
-    readout_ = text;
     value_ = value;
+    if (tenths == tenths_)
+        return;
+    tenths_ = tenths;
+    readout_ = readout(tenths);
+    if (QAccessible::isActive())
+        setAccessibleDescription(QString("Input level, %1").arg(readout_));
 }
 
 QSize LevelIndicator::sizeHint() const {
     const QFontMetrics metrics = fontMetrics();
-    return {metrics.horizontalAdvance("-00.0 dB") * 3, metrics.height() + 4};
+    return {metrics.horizontalAdvance(kBelowScale) * 3, metrics.height() + 4};
 }
 
 QSize LevelIndicator::minimumSizeHint() const {
     const QFontMetrics metrics = fontMetrics();
-    return {metrics.horizontalAdvance("-00.0 dB") * 2, metrics.height() + 4};
+    return {metrics.horizontalAdvance(kBelowScale) * 2, metrics.height() + 4};
 }
 
 void LevelIndicator::resizeEvent(QResizeEvent*) {
@@ -68,7 +81,7 @@ void LevelIndicator::changeEvent(QEvent* event) {
 
 /// Leaves room for the readout. (To measure a text takes longer than all else about a new value.)
 void LevelIndicator::placeBar() {
-    const int textWidth = fontMetrics().horizontalAdvance("-00.0 dB ") + 4;
+    const int textWidth = fontMetrics().horizontalAdvance(kBelowScale) + 8;
     bar_ = QRectF(0.5, 2.5, std::max(1, width() - textWidth) - 1.0, height() - 5.0);
 }
 
@@ -95,7 +108,9 @@ void LevelIndicator::paintEvent(QPaintEvent*) {
     }
     painter.drawRect(bar_);
     painter.setPen(palette().color(QPalette::WindowText));
-    painter.drawText(rect(), Qt::AlignRight | Qt::AlignVCenter, readout_);
+    const QStaticText& text = texts_.laidOut(readout_, painter.font());
+    const QSizeF size = text.size();
+    painter.drawStaticText(QPointF(width() - size.width(), (height() - size.height()) / 2.0), text);
 }
 
 } // namespace sonotrace

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "widgets/CachedTexts.h"
+
 #include <QWidget>
 
 namespace sonotrace {
@@ -29,8 +31,10 @@ private:
     void placeBar();
 
     QRectF bar_;
+    CachedTexts texts_;
     double value_ = 0.0;
-    QString readout_; ///< the value as text
+    long tenths_;     ///< the value in tenths of a decibel
+    QString readout_; ///< and as text
 };
 
 } // namespace sonotrace
