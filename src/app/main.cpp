@@ -5,6 +5,7 @@
 #include "app/WindowControl.h"
 #include "base/SystemLog.h"
 #include "widgets/Preferences.h"
+#include "widgets/WindowVisibility.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -69,6 +70,7 @@ int main(int argc, char** argv) {
     const std::unique_ptr<SoundSystem> system = openSoundSystem(arguments->audio);
     if (!arguments->pictures.isEmpty())
         return runPictureTour(*system, arguments->pictures);
+    WindowVisibility visibility;
     Preferences preferences;
     WindowControl control(*system, preferences);
     control.awakeFromNib();
