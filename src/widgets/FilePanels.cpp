@@ -36,10 +36,14 @@ std::optional<QString> askForFileToSave(QWidget* parent, const QString& message,
 }
 
 QString writeFile(const QString& path, const QByteArray& content, const QString& done) {
+    const QFileInfo target(path);
+    const QString name = target.fileName();
+    if (target.exists() && !target.isFile()) // a pipe or a device would be replaced
+        return QString("%1 cannot be written: it is not a file").arg(name);
     QSaveFile file(path);
+    // Flushed on its own: what fails as late as in commit() is not noticed there, and empties the file.
     const bool written = !content.isEmpty() && file.open(QIODevice::WriteOnly) &&
-                         file.write(content) == content.size() && file.commit();
-    const QString name = QFileInfo(path).fileName();
+                         file.write(content) == content.size() && file.flush() && file.commit();
     return written ? done.arg(name) : QString("%1 cannot be written: %2").arg(name, file.errorString());
 }
 

@@ -142,7 +142,9 @@ bool Preferences::write(const Values& values) const {
         text += key.toUtf8() + '=' + value.toUtf8() + '\n';
     QDir().mkpath(QFileInfo(path_).path());
     QSaveFile file(path_);
-    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit();
+    // Flushed on its own: what fails as late as in commit() is not noticed there, and empties the file.
+    return file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.flush() &&
+           file.commit();
 }
 
 } // namespace sonotrace

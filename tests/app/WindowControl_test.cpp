@@ -3,7 +3,9 @@
 #include "generator/SettingsFile.h"
 
 #include "support/DeviceListSystem.h"
+#include "support/FullDisk.h"
 #include "support/ToolWindow.h"
+#include "widgets/FilePanels.h"
 
 #include <QAction>
 #include <QFile>
@@ -12,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <sys/stat.h>
 #include <tuple>
 
 namespace sonotrace {
@@ -217,6 +220,22 @@ TEST_F(WindowControlTest, WhatAllWindowsKeepComesBackAndAnyFileIsSurvived) {
         for (const QString& line : left)
             EXPECT_TRUE(stored.contains('\n' + line + '\n')) << line.toStdString();
     }
+}
+
+TEST_F(WindowControlTest, AFullDiskLeavesTheFilesThatWereThere) {
+    writePreferences("Freq0=1000\n");
+    Preferences store;
+    store.setFloat("Freq0", 2000);
+    const QString file = Preferences::defaultPath();
+    const QByteArray before = contents(file);
+    setDiskFull(true);
+    const bool stored = store.synchronise();
+    const QString said = writeFile(file, "new", "Saved %1");
+    setDiskFull(false);
+    EXPECT_TRUE(!stored && said.contains("cannot be written")) << said.toStdString();
+    EXPECT_EQ(contents(file), before);
+    mkfifo(qPrintable(path("pipe")), 0600);
+    EXPECT_EQ(writeFile(path("pipe"), "new", "Saved %1"), "pipe cannot be written: it is not a file");
 }
 
 } // namespace

@@ -1,16 +1,16 @@
 #include "generator/WavRecorder.h"
 
+#include "support/FullDisk.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <semaphore>
 #include <string>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -84,19 +84,14 @@ TEST_F(WavRecorderTest, SaysWhatItCannotWriteAndGoesOn) {
     EXPECT_FALSE(recorder_.start(folder_ / "pipe")) << "without waiting for a reader";
     EXPECT_FALSE(recorder_.isRecording());
 
-    std::signal(SIGXFSZ, SIG_IGN);
-    const auto full = [](bool isFull) {
-        const rlimit limit{isFull ? 0 : RLIM_INFINITY, RLIM_INFINITY};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    };
     for (const int fault : {0, 1, 2, 3}) { // the disk is full at the start, at the flush, at the stop, never
-        full(fault == 0);
+        setDiskFull(fault == 0);
         EXPECT_TRUE(recorder_.start(folder_ / "a"));
         EXPECT_EQ(recorder_.flush(), fault != 0);
-        full(fault == 1);
+        setDiskFull(fault == 1);
         play(5000);
         EXPECT_EQ(recorder_.flush(), fault > 1);
-        full(fault == 2);
+        setDiskFull(fault == 2);
         EXPECT_EQ(stop(), fault == 3) << fault;
     }
 }
