@@ -1,4 +1,5 @@
-// A redraw of the oscilloscope, with both trigger searches, and the taking in of one buffer.
+// What the oscilloscope computes for a redraw, both trigger searches and the traces' points, and the taking
+// in of one buffer. Nothing is painted.
 
 #include "scope/ScopeCapture.h"
 #include "scope/ScopeTrace.h"
@@ -32,7 +33,7 @@ void captureOfOneBuffer(benchmark::State& state) {
 BENCHMARK(captureOfOneBuffer)->Unit(benchmark::kMicrosecond);
 
 /// 10000 samples of both channels, whose triggers are found at once or not at all.
-void redraw(benchmark::State& state) {
+void searchesAndPoints(benchmark::State& state) {
     // Each search writes a line to the log: keep it from covering the figures, but let it cost its time.
     std::FILE* const log = std::freopen("/dev/null", "w", stderr);
     const ScopeControls controls = longestTraces(static_cast<double>(state.range(0)));
@@ -48,7 +49,7 @@ void redraw(benchmark::State& state) {
     if (log == nullptr)
         state.SkipWithError("the log could not be silenced");
 }
-BENCHMARK(redraw)->Arg(0)->Arg(32767)->Unit(benchmark::kMicrosecond);
+BENCHMARK(searchesAndPoints)->Arg(0)->Arg(32767)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 } // namespace sonotrace
