@@ -7,6 +7,7 @@
 #include "widgets/NumberField.h"
 #include "widgets/PopUp.h"
 #include "widgets/RealSlider.h"
+#include "widgets/TypedValue.h"
 
 #include <QCheckBox>
 #include <QLabel>
@@ -106,9 +107,11 @@ void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
     controls.volumeLeft =
         volumeSlider(slot, "volumeLeft", kVolumeLeftTag + slot, 400, "left", settings.volumeLeft);
     controls.readoutLeft = readout(slot, "readoutLeft", 525, "left", settings.volumeLeft);
+    letType(*controls.volumeLeft, *controls.readoutLeft, volumeNotation());
     controls.volumeRight =
         volumeSlider(slot, "volumeRight", kVolumeRightTag + slot, 570, "right", settings.volumeRight);
     controls.readoutRight = readout(slot, "readoutRight", 695, "right", settings.volumeRight);
+    letType(*controls.volumeRight, *controls.readoutRight, volumeNotation());
 }
 
 RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, int x, const QString& channel,
@@ -116,6 +119,7 @@ RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, in
     auto* slider = new RealSlider(this);
     slider->setGeometry(x, rowY(slot), 125, 25);
     slider->setDoubleValue(volume);
+    slider->setFirstValue(1.0);
     introduceInRow(*slider, name, slot, tag, QString("%1 volume").arg(channel),
                    QString("Volume of the %1 channel, 0 to 100 % of the generator's share").arg(channel));
     connect(slider, &RealSlider::valueEdited, this, [this, slider] { volSliderEvent(*slider); });

@@ -3,6 +3,7 @@
 #include "base/FftWindows.h"
 #include "base/SystemLog.h"
 #include "ui_SpectrumWindow.h"
+#include "widgets/TypedValue.h"
 
 #include <algorithm>
 #include <bit>
@@ -27,6 +28,10 @@ SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Pr
       ui_(std::make_unique<Ui::SpectrumWindow>()),
       analysis_([this] { ui_->mainView->update(); }) {
     ui_->setupUi(&window_);
+    keepRoom({ui_->soundInputVolume2Value});
+    showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());
+    ui_->soundInputVolume2->setFirstValue(0.0, ui_->soundInputVolume2Label);
+    ui_->gridSlider->setFirstValue(kFullBrightness, ui_->gridSliderLabel);
     const CaptureVariant variant{.streamName = "Spectrum",
                                  .runLoop = &runLoop,
                                  .printsEnqueue = true,

@@ -3,6 +3,7 @@
 #include "base/SystemLog.h"
 #include "sweep/SweepStatus.h"
 #include "ui_SweepWindow.h"
+#include "widgets/TypedValue.h"
 
 namespace sonotrace {
 
@@ -89,8 +90,10 @@ void SweepController::connectControls() {
 }
 
 /// Keeps the per cent beside a slider.
-void SweepController::follow(const RealSlider& slider, QLabel& readout) {
+void SweepController::follow(RealSlider& slider, QLabel& readout) {
     keepRoom({&readout});
+    letType(slider, readout, volumeNotation());
+    slider.setFirstValue(0.0);
     connect(&slider, &RealSlider::doubleValueChanged, &readout,
             [&readout](double value) { readout.setText(QString("%1 %").arg(value * 100.0, 0, 'f', 1)); });
 }

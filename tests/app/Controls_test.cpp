@@ -3,6 +3,7 @@
 #include "support/ToolWindow.h"
 #include "widgets/NumberField.h"
 #include "widgets/RealSlider.h"
+#include "widgets/TypedValue.h"
 
 #include <QAction>
 #include <QMainWindow>
@@ -11,6 +12,9 @@
 #include <QWheelEvent>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
 
 namespace sonotrace {
 namespace {
@@ -26,6 +30,25 @@ protected:
             if (window->objectName().endsWith("Window"))
                 windows_ << window;
         }
+    }
+
+    /// The first of that name in any window.
+    template <typename Control>
+    Control& findAnywhere(const QString& name) {
+        const auto has = [&name](const QWidget* window) {
+            return window->findChild<Control*>(name) != nullptr;
+        };
+        return findControl<Control>(**std::ranges::find_if(windows_, has), name);
+    }
+
+    /// Types over a slider's value, or leaves it when there is nothing to type.
+    static void typeValue(RealSlider& slider, const QString& text, Qt::Key end) {
+        slider.window()->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(slider.window()));
+        slider.setFocus();
+        QTest::keyClick(&slider, Qt::Key_F2);
+        QTest::keyClicks(slider.window()->focusWidget(), text);
+        QTest::keyClick(slider.window()->focusWidget(), end);
     }
 
     LoopbackSystem system_{LoopbackSystem::Clock::Manual};
@@ -70,6 +93,51 @@ TEST_F(ControlsTest, TheWheelTurnsOnlyWhatHasTheFocus) {
     turnWheel(popup);
     EXPECT_EQ(popup.currentIndex(), 1);
     EXPECT_GT(findControl<QScrollArea>(control_.window(), "view").verticalScrollBar()->value(), 0);
+}
+
+TEST_F(ControlsTest, AValueIsTypedInThePlaceOfItsLabelAndSentAsAMoveIs) {
+    const struct {
+        const char* slider;
+        const char* typed;
+        double value;
+        const char* label;
+        const char* shown;
+        const char* logged;
+    } cases[] = {{"volumeLeft3", "-6 dB", std::pow(10.0, -0.3), "readoutLeft3", "50", "volSliderEvent 503\n"},
+                 {"volumeRight12", "33.3%", 0.333, "readoutRight12", "33", "volSliderEvent 612\n"},
+                 {"amplitudeLeft", "120", 1, "amplitudeLeftReadout", "100.0 %", "doAmplitudeLeft\n"},
+                 {"soundInputVolume2", "35 %", 350, "soundInputVolume2Value", "35 %  -9.1 dB", " = 350\n"},
+                 {"rangeSlider1", "× 10", -1, "rangeValue1", "× 10.0", ""},
+                 {"offsetSlider2", "-7.25 px", -7.25, "offsetValue2", "-7 px", ""},
+                 {"triggerSlider1", "1e3 px", 0, "triggerValue1", "0", ""},
+                 {"sweepSlider", "441", 5 - std::log10(441.01), "sweepValue", "441 samples, 10.0 ms", ""},
+                 {"sweepSlider", "1 ms", 5 - std::log10(44.01), "sweepValue", "44 samples, 1.00 ms", ""}};
+    for (const auto& [name, typed, value, label, shown, logged] : cases) {
+        auto& slider = findAnywhere<RealSlider>(name);
+        testing::internal::CaptureStderr();
+        typeValue(slider, typed, Qt::Key_Return);
+        EXPECT_TRUE(QString::fromStdString(testing::internal::GetCapturedStderr()).endsWith(logged)) << name;
+        EXPECT_DOUBLE_EQ(slider.doubleValue(), value) << name;
+        EXPECT_EQ(findAnywhere<QLabel>(label).text(), shown) << name;
+        EXPECT_TRUE(slider.hasFocus()) << name;
+    }
+    auto& slider = findAnywhere<RealSlider>("volumeLeft3");
+    typeValue(slider, "12", Qt::Key_Escape);
+    typeValue(slider, {}, Qt::Key_Tab);
+    EXPECT_EQ(slider.doubleValue(), std::pow(10.0, -0.3)) << "neither given up nor left alone";
+    QTest::mouseDClick(&findAnywhere<QLabel>("readoutLeft3"), Qt::LeftButton);
+    EXPECT_EQ(slider.window()->focusWidget()->property("text"), "50.1187 %");
+    slider.setFocus();
+    QTest::keyClick(&slider, Qt::Key_Right, Qt::ControlModifier);
+    EXPECT_EQ(slider.doubleValue(), 0.502);
+    QTest::keyClick(&slider, Qt::Key_PageDown);
+    QTest::keyClick(&slider, Qt::Key_Right);
+    EXPECT_EQ(slider.doubleValue(), 0.412);
+    QTest::keyClick(&slider, Qt::Key_Delete);
+    EXPECT_EQ(slider.doubleValue(), 1);
+    QTest::mouseDClick(&findAnywhere<QLabel>("rangeSlider1Label"), Qt::LeftButton);
+    EXPECT_EQ(findAnywhere<RealSlider>("rangeSlider1").doubleValue(), 0);
+    EXPECT_NEAR(*volumeNotation(1000, 3).read("-9.3 dB"), 700, 0.2) << "as mixers count";
 }
 
 } // namespace
