@@ -60,6 +60,7 @@ ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferen
       ui_(std::make_unique<Ui::ScopeWindow>()),
       capture_(controls_, [this] { ui_->mainView->update(); }) {
     ui_->setupUi(&window_);
+    levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->timeStrip});
     keepRoom({ui_->rangeValue1, ui_->rangeValue2, ui_->offsetValue1, ui_->offsetValue2, ui_->triggerValue1,
               ui_->triggerValue2, ui_->sweepValue, ui_->soundInputVolume2Value});
     showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());

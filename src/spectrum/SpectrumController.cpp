@@ -29,6 +29,8 @@ SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Pr
       analysis_([this] { ui_->mainView->update(); }) {
     ui_->setupUi(&window_);
     keepRoom({ui_->soundInputVolume2Value});
+    levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->analysisStrip, ui_->displayStrip});
+    ui_->numAvgText->setStepLimits(1.0, kMostAverages);
     showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());
     ui_->soundInputVolume2->setFirstValue(0.0, ui_->soundInputVolume2Label);
     ui_->gridSlider->setFirstValue(kFullBrightness, ui_->gridSliderLabel);

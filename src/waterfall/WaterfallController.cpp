@@ -45,6 +45,8 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
       measurement_(parameters_) {
     ui_->setupUi(&window_);
     keepRoom({ui_->minDBText, ui_->maxDBText, ui_->soundInputVolume2Value});
+    levelRows(*ui_->inputPopup,
+              {ui_->inputStrip, ui_->analysisStrip, ui_->measurementStrip, ui_->statusStrip});
     showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());
     ui_->soundInputVolume2->setFirstValue(kFirstVolume, ui_->soundInputVolume2Label);
     letType(*ui_->minDbSlider, *ui_->minDBText, plainNotation("dB"));
