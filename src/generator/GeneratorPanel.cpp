@@ -14,6 +14,7 @@
 
 #include <algorithm>
 
+#include <cmath>
 namespace sonotrace {
 
 namespace {
@@ -35,6 +36,11 @@ int rowY(int slot) {
 }
 
 QString fixedPoint(double value) {
+// What the font must fit into; where it does not, the panel grows with it.
+constexpr const char* kFrequencyCaption = "Frequency, Hz";
+constexpr double kFrequencyRoom = 98.0;
+constexpr double kLineRoom = 20.0;
+
     return QString::asprintf("%-8.2f", value);
 }
 
@@ -53,8 +59,17 @@ void introduceInRow(QWidget& control, const char* name, int slot, int tag, const
 
 } // namespace
 
-GeneratorPanel::GeneratorPanel(GeneratorBank& bank, QWidget* parent) : WindowView(parent), bank_(bank) {
-    setFixedSize(kPanelWidth, rowY(kGeneratorCount));
+GeneratorPanel::GeneratorPanel(GeneratorBank& bank, QWidget* parent)
+    : WindowView(parent),
+      bank_(bank),
+      scale_(std::max({1.0, fontMetrics().height() / kLineRoom,
+                       fontMetrics().horizontalAdvance(kFrequencyCaption) / kFrequencyRoom})) {
+    setFixedSize(place(0, 0, kPanelWidth, rowY(kGeneratorCount)).size());
+}
+
+QRect GeneratorPanel::place(int x, int y, int width, int height) const {
+    const auto scaled = [this](int length) { return static_cast<int>(std::lround(length * scale_)); };
+    return {scaled(x), scaled(y), scaled(width), scaled(height)};
 }
 
 void GeneratorPanel::BuildControls() {
@@ -77,28 +92,28 @@ void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
     Row& controls = row(slot);
 
     controls.enabled = new QCheckBox(this);
-    controls.enabled->setGeometry(14, y, 40, 20);
+    controls.enabled->setGeometry(place(14, y, 40, 20));
     controls.enabled->setChecked(settings.enabled > 0);
     introduceInRow(
         *controls.enabled, "enabled", slot, kEnabledTag + slot, "on",
         "Switches the generator on. All generators that are on share the full scale between them.");
 
     controls.waveform = new QComboBox(this);
-    controls.waveform->setGeometry(64, y, 110, 25);
+    controls.waveform->setGeometry(place(64, y, 110, 25));
     setItems(*controls.waveform, waveformTitles());
     selectItem(*controls.waveform, settings.waveform);
     introduceInRow(*controls.waveform, "waveform", slot, kWaveformTag + slot, "waveform",
                    "Shape of the signal");
 
     controls.frequency = new NumberField(this);
-    controls.frequency->setGeometry(200, y, 85, 20);
+    controls.frequency->setGeometry(place(200, y, 85, 20));
     controls.frequency->setAlignment(Qt::AlignLeft);
     controls.frequency->setText(fixedPoint(settings.frequency));
     introduceInRow(*controls.frequency, "frequency", slot, kFrequencyTag + slot, "frequency",
                    "Frequency in Hz, 0.1 to 22000");
 
     controls.phase = new NumberField(this);
-    controls.phase->setGeometry(300, y, 85, 20);
+    controls.phase->setGeometry(place(300, y, 85, 20));
     controls.phase->setAlignment(Qt::AlignLeft);
     controls.phase->setText(fixedPoint(settings.phase));
     introduceInRow(*controls.phase, "phase", slot, kPhaseTag + slot, "phase",
@@ -117,7 +132,7 @@ void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
 RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, int x, const QString& channel,
                                          double volume) {
     auto* slider = new RealSlider(this);
-    slider->setGeometry(x, rowY(slot), 125, 25);
+    slider->setGeometry(place(x, rowY(slot), 125, 25));
     slider->setDoubleValue(volume);
     slider->setFirstValue(1.0);
     introduceInRow(*slider, name, slot, tag, QString("%1 volume").arg(channel),
@@ -128,7 +143,12 @@ RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, in
 
 QLabel* GeneratorPanel::readout(int slot, const char* name, int x, const QString& channel, double volume) {
     auto* label = new QLabel(percent(volume), this);
-    label->setGeometry(x, rowY(slot) + 3, 40, 20);
+
+    auto* number = new QLabel(QString::number(slot + 1), this);
+    number->setObjectName("number" + QString::number(slot));
+    number->setGeometry(place(36, y, 26, 20));
+    number->setAttribute(Qt::WA_TransparentForMouseEvents); // it lies on the box
+    label->setGeometry(place(x, rowY(slot) + 3, 40, 20));
     introduceInRow(*label, name, slot, 0, QString("%1 volume in per cent").arg(channel),
                    QString("Volume of the %1 channel in per cent").arg(channel));
     return label;
@@ -139,14 +159,17 @@ void GeneratorPanel::placeCaptions() {
         const char* name;
         QString text;
         int x;
-    } captions[] = {{"labelEnabled", "On", 14},           {"labelType", "Waveform", 64},
-                    {"labelFreq", "Frequency, Hz", 200},  {"labelPhase", "Phase, °", 300},
-                    {"labelLeft", "Left volume, %", 400}, {"labelRight", "Right volume, %", 570}};
+    } captions[] = {{"labelEnabled", "On", 14},
+                    {"labelType", "Waveform", 64},
+                    {"labelFreq", kFrequencyCaption, 200},
+                    {"labelPhase", "Phase, °", 300},
+                    {"labelLeft", "Left volume, %", 400},
+                    {"labelRight", "Right volume, %", 570}};
     for (const auto& caption : captions) {
         auto* label = new QLabel(caption.text, this);
         label->setObjectName(caption.name);
         label->adjustSize();
-        label->move(caption.x, kCaptionY);
+        label->move(place(caption.x, kCaptionY, 0, 0).topLeft());
     }
 }
 
