@@ -5,6 +5,7 @@
 #include "generator/Waveforms.h"
 #include "widgets/Introduce.h"
 #include "widgets/NumberField.h"
+#include "widgets/NumberText.h"
 #include "widgets/PopUp.h"
 #include "widgets/RealSlider.h"
 #include "widgets/TypedValue.h"
@@ -13,8 +14,8 @@
 #include <QLabel>
 
 #include <algorithm>
-
 #include <cmath>
+
 namespace sonotrace {
 
 namespace {
@@ -24,6 +25,10 @@ constexpr int kRowHeight = 30;
 constexpr int kCaptionY = 20;
 constexpr int kPanelWidth = 750;
 
+constexpr double kLeastFrequency = 0.1;
+constexpr double kMostFrequency = 22000.0;
+constexpr double kMostPhase = 360.0;
+
 constexpr int kEnabledTag = 100;
 constexpr int kWaveformTag = 200;
 constexpr int kFrequencyTag = 300;
@@ -31,21 +36,30 @@ constexpr int kPhaseTag = 400;
 constexpr int kVolumeLeftTag = 500;
 constexpr int kVolumeRightTag = 600;
 
-int rowY(int slot) {
-    return kFirstRowY + kRowHeight * slot;
-}
-
-QString fixedPoint(double value) {
 // What the font must fit into; where it does not, the panel grows with it.
 constexpr const char* kFrequencyCaption = "Frequency, Hz";
 constexpr double kFrequencyRoom = 98.0;
 constexpr double kLineRoom = 20.0;
 
+int rowY(int slot) {
+    return kFirstRowY + kRowHeight * slot;
+}
+
+QString fixedPoint(double value) {
     return QString::asprintf("%-8.2f", value);
 }
 
 QString percent(double volume) {
     return QString::number(truncateToInt32(volume * 100.0));
+}
+
+/// Marks a field whose text says something else than what plays, a number with another unit included.
+void sayWhatPlays(NumberField& field, double plays, const QString& unit) {
+    const auto typed = numberAndUnit(field.text());
+    const bool isTrue =
+        typed && typed->number == plays && (typed->unit.isEmpty() || typed->unit == unit.toLower());
+    field.setLook(isTrue ? NumberField::Look::Usual : NumberField::Look::Refused,
+                  QString("plays %1 %2").arg(textFromNumber(plays), unit));
 }
 
 /// Introduces a control of row `slot` and tags it.
@@ -108,6 +122,7 @@ void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
     controls.frequency = new NumberField(this);
     controls.frequency->setGeometry(place(200, y, 85, 20));
     controls.frequency->setAlignment(Qt::AlignLeft);
+    controls.frequency->setStepLimits(kLeastFrequency, kMostFrequency);
     controls.frequency->setText(fixedPoint(settings.frequency));
     introduceInRow(*controls.frequency, "frequency", slot, kFrequencyTag + slot, "frequency",
                    "Frequency in Hz, 0.1 to 22000");
@@ -115,6 +130,7 @@ void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
     controls.phase = new NumberField(this);
     controls.phase->setGeometry(place(300, y, 85, 20));
     controls.phase->setAlignment(Qt::AlignLeft);
+    controls.phase->setStepLimits(-kMostPhase, kMostPhase);
     controls.phase->setText(fixedPoint(settings.phase));
     introduceInRow(*controls.phase, "phase", slot, kPhaseTag + slot, "phase",
                    "Phase in degrees, -360 to 360");
@@ -127,6 +143,11 @@ void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
         volumeSlider(slot, "volumeRight", kVolumeRightTag + slot, 570, "right", settings.volumeRight);
     controls.readoutRight = readout(slot, "readoutRight", 695, "right", settings.volumeRight);
     letType(*controls.volumeRight, *controls.readoutRight, volumeNotation());
+
+    auto* number = new QLabel(QString::number(slot + 1), this);
+    number->setObjectName("number" + QString::number(slot));
+    number->setGeometry(place(36, y, 26, 20));
+    number->setAttribute(Qt::WA_TransparentForMouseEvents); // it lies on the box
 }
 
 RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, int x, const QString& channel,
@@ -143,11 +164,6 @@ RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, in
 
 QLabel* GeneratorPanel::readout(int slot, const char* name, int x, const QString& channel, double volume) {
     auto* label = new QLabel(percent(volume), this);
-
-    auto* number = new QLabel(QString::number(slot + 1), this);
-    number->setObjectName("number" + QString::number(slot));
-    number->setGeometry(place(36, y, 26, 20));
-    number->setAttribute(Qt::WA_TransparentForMouseEvents); // it lies on the box
     label->setGeometry(place(x, rowY(slot) + 3, 40, 20));
     introduceInRow(*label, name, slot, 0, QString("%1 volume in per cent").arg(channel),
                    QString("Volume of the %1 channel in per cent").arg(channel));
@@ -190,10 +206,13 @@ void GeneratorPanel::poll() {
         GeneratorSlot& values = bank_.slots[static_cast<std::size_t>(slot)];
         values.enabled.store(controls.enabled->isChecked() ? 1 : 0, std::memory_order_relaxed);
         values.waveform.store(controls.waveform->currentIndex(), std::memory_order_relaxed);
-        values.frequency.store(std::clamp(controls.frequency->doubleValue(), 0.1, 22000.0),
-                               std::memory_order_relaxed);
-        values.phase.store(std::clamp(controls.phase->doubleValue(), -360.0, 360.0),
-                           std::memory_order_relaxed);
+        const double frequency =
+            std::clamp(controls.frequency->doubleValue(), kLeastFrequency, kMostFrequency);
+        values.frequency.store(frequency, std::memory_order_relaxed);
+        sayWhatPlays(*controls.frequency, frequency, "Hz");
+        const double phase = std::clamp(controls.phase->doubleValue(), -kMostPhase, kMostPhase);
+        values.phase.store(phase, std::memory_order_relaxed);
+        sayWhatPlays(*controls.phase, phase, "°");
     }
 }
 

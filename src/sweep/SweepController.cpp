@@ -5,6 +5,8 @@
 #include "ui_SweepWindow.h"
 #include "widgets/TypedValue.h"
 
+#include <limits>
+
 namespace sonotrace {
 
 namespace {
@@ -38,6 +40,8 @@ void SweepController::awakeFromNib() {
     follow(*ui_->amplitudeRight, *ui_->amplitudeRightReadout);
     // The switch beside the unit must not jump when it is clicked.
     ui_->rateUnit->setMinimumWidth(ui_->rateUnit->fontMetrics().horizontalAdvance(logRateUnit()));
+    constexpr double kAnyRate = std::numeric_limits<double>::infinity();
+    ui_->rate->setStepLimits(-kAnyRate, kAnyRate);
     listStoredControls();
     stored_.restore();
     connectControls();

@@ -6,6 +6,7 @@
 #include "base/SystemLog.h"
 #include "ui_WaterfallWindow.h"
 #include "widgets/FilePanels.h"
+#include "widgets/NumberField.h"
 #include "widgets/Preferences.h"
 #include "widgets/TypedValue.h"
 
@@ -44,13 +45,14 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
       analysis_(parameters_, *image_, log_),
       measurement_(parameters_) {
     ui_->setupUi(&window_);
-    keepRoom({ui_->minDBText, ui_->maxDBText, ui_->soundInputVolume2Value});
     levelRows(*ui_->inputPopup,
               {ui_->inputStrip, ui_->analysisStrip, ui_->measurementStrip, ui_->statusStrip});
+    keepRoom({ui_->minDBText, ui_->maxDBText, ui_->soundInputVolume2Value});
     showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());
     ui_->soundInputVolume2->setFirstValue(kFirstVolume, ui_->soundInputVolume2Label);
     letType(*ui_->minDbSlider, *ui_->minDBText, plainNotation("dB"));
     letType(*ui_->maxDbSlider, *ui_->maxDBText, plainNotation("dB"));
+    ui_->gainText->setLook(NumberField::Look::Unused, "Kept with the settings, and does nothing");
     ui_->minDbSlider->setFirstValue(kFirstMinDb);
     ui_->maxDbSlider->setFirstValue(kFirstMaxDb);
     const CaptureVariant variant{.streamName = "Waterfall",

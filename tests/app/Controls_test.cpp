@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QMainWindow>
+#include <QMenuBar>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -15,6 +16,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 namespace sonotrace {
 namespace {
@@ -138,6 +140,112 @@ TEST_F(ControlsTest, AValueIsTypedInThePlaceOfItsLabelAndSentAsAMoveIs) {
     QTest::mouseDClick(&findAnywhere<QLabel>("rangeSlider1Label"), Qt::LeftButton);
     EXPECT_EQ(findAnywhere<RealSlider>("rangeSlider1").doubleValue(), 0);
     EXPECT_NEAR(*volumeNotation(1000, 3).read("-9.3 dB"), 700, 0.2) << "as mixers count";
+}
+
+TEST_F(ControlsTest, NumbersAreSteppedAndThousandsWrittenOut) {
+    auto& field = findAnywhere<NumberField>("startFreq");
+    const struct {
+        const char* text;
+        Qt::Key key;
+        Qt::KeyboardModifier modifier;
+        const char* then;
+    } cases[] = {{"441.5 Hz", Qt::Key_Up, Qt::NoModifier, "450"},
+                 {"1000", Qt::Key_Up, Qt::NoModifier, "1100"},
+                 {"1000", Qt::Key_Down, Qt::NoModifier, "990"},
+                 {"1000", Qt::Key_Down, Qt::ShiftModifier, "900"},
+                 {"20", Qt::Key_PageUp, Qt::NoModifier, "30"},
+                 {"0.5", Qt::Key_Down, Qt::NoModifier, "0"},
+                 {"0", Qt::Key_Down, Qt::NoModifier, "0"},
+                 {"1e999", Qt::Key_Up, Qt::NoModifier, "1e999"},
+                 {"1.5k", Qt::Key_Up, Qt::NoModifier, "1600"},
+                 {" 1.001 kHz", Qt::Key_Return, Qt::NoModifier, "1001"},
+                 {"22K", Qt::Key_Tab, Qt::NoModifier, "22000"},
+                 {"1 kg", Qt::Key_Return, Qt::NoModifier, "1 kg"},
+                 {"abc", Qt::Key_Return, Qt::NoModifier, "abc"}};
+    field.window()->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(field.window()));
+    for (const auto& [text, key, modifier, then] : cases) {
+        field.setFocus();
+        field.setText(text);
+        QTest::keyClick(&field, key, modifier);
+        EXPECT_EQ(field.text(), then) << text;
+    }
+    field.setText("1k");
+    testing::internal::CaptureStderr();
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "startFreqTextChanged\ndoStartFreq\n");
+}
+
+TEST_F(ControlsTest, FieldsSayWhenTheirTextIsNotWhatCounts) {
+    auto& field = findAnywhere<NumberField>("frequency0");
+    const std::pair<const char*, const char*> cases[] = {
+        {"50000", "plays 22000 Hz\n"}, {"440.25 Hz", ""}, {"1k", "plays 1 Hz\n"}, {"abc", "plays 0.1 Hz\n"}};
+    const QString usual = field.toolTip();
+    for (const auto& [text, note] : cases) {
+        field.setText(text);
+        control_.HalfSecTimer();
+        EXPECT_EQ(field.toolTip(), note + usual) << text;
+        EXPECT_EQ(field.accessibleDescription(), note + usual) << text;
+        EXPECT_EQ(field.palette().base() == QPalette().base(), *note == 0) << text;
+    }
+    auto& from = findControl<NumberField>(findAnywhere<QWidget>("numAvgText").window()[0], "startFreqText");
+    findAnywhere<QAbstractButton>("logCheckbox").click();
+    EXPECT_TRUE(from.toolTip().startsWith("Not used")) << from.toolTip().toStdString();
+    findAnywhere<QAbstractButton>("logCheckbox").click();
+    EXPECT_EQ(from.palette(), QApplication::palette(&from));
+}
+
+TEST_F(ControlsTest, NoMnemonicIsThereTwiceAndTheSameThingHasTheSame) {
+    std::map<QString, QKeySequence> ofThings;
+    for (const QWidget* window : windows_) {
+        std::map<QKeySequence, QString> used;
+        const auto use = [&](const QString& text, const QString& name) {
+            const QKeySequence key = QKeySequence::mnemonic(text);
+            if (!key.isEmpty()) {
+                EXPECT_TRUE(used.emplace(key, text).second) << text.toStdString() << used[key].toStdString();
+                EXPECT_EQ(ofThings.emplace(name, key).first->second, key) << text.toStdString();
+            }
+        };
+        for (const QLabel* label : window->findChildren<QLabel*>())
+            use(label->text(), label->objectName());
+        for (const QAbstractButton* button : window->findChildren<QAbstractButton*>())
+            use(button->text(), button->objectName());
+        if (const auto* bar = window->findChild<QMenuBar*>()) {
+            for (const QAction* menu : bar->actions())
+                use(menu->text(), menu->text());
+        }
+    }
+}
+
+/// What a large font needs.
+class LargeFont {
+public:
+    LargeFont() {
+        QFont font = usual_;
+        font.setPointSize(14);
+        QApplication::setFont(font);
+    }
+    ~LargeFont() { QApplication::setFont(usual_); }
+
+private:
+    const QFont usual_ = QApplication::font();
+};
+
+class LargeControlsTest : public LargeFont, public ControlsTest {};
+
+TEST_F(LargeControlsTest, NothingIsClippedInTheSmallestWindows) {
+    for (QWidget* window : windows_) {
+        window->resize(window->minimumSizeHint());
+        QApplication::processEvents();
+        for (const QWidget* part : window->findChildren<QWidget*>()) {
+            if (!part->isVisible() || !(part->inherits("QLabel") || part->inherits("QAbstractButton")) ||
+                part->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored)
+                continue;
+            const QSize needed = part->sizeHint();
+            EXPECT_EQ(part->size().expandedTo(needed), part->size())
+                << window->objectName().toStdString() << ' ' << part->objectName().toStdString();
+        }
+    }
 }
 
 } // namespace
