@@ -38,7 +38,7 @@ constexpr int kVolumeRightTag = 600;
 
 // What the font must fit into; where it does not, the panel grows with it.
 constexpr const char* kFrequencyCaption = "Frequency, Hz";
-constexpr double kFrequencyRoom = 98.0;
+constexpr double kFrequencyRoom = 96.0;
 constexpr double kLineRoom = 20.0;
 
 int rowY(int slot) {

@@ -74,23 +74,40 @@ void NumberField::setLook(Look look, const QString& note) {
             return;
         usualTip_ = toolTip();
     }
-    look_ = look;
+    if (look_ != look) {
+        look_ = look;
+        showLook();
+    }
     const QString tip = look == Look::Usual ? usualTip_ : note + '\n' + usualTip_;
     if (tip != toolTip()) {
         setToolTip(tip);
         setAccessibleDescription(tip);
     }
-    // From the application's, which may have gone dark meanwhile.
+}
+
+void NumberField::showLook() {
     const QPalette usual = QApplication::palette(this);
     const QColor ground = usual.color(QPalette::Base);
     QPalette colours;
-    if (look == Look::Refused)
+    if (look_ == Look::Refused)
         colours.setColor(QPalette::Base, mix(ground, kWarning, kTint));
-    if (look == Look::Unused) {
+    if (look_ == Look::Unused) {
         colours.setColor(QPalette::Base, usual.color(QPalette::Window));
         colours.setColor(QPalette::Text, mix(usual.color(QPalette::Text), ground, kFading));
     }
     setPalette(colours);
+}
+
+void NumberField::changeEvent(QEvent* event) {
+    QLineEdit::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && look_ != Look::Usual)
+        showLook(); // the desktop may have gone dark
+}
+
+QSize NumberField::minimumSizeHint() const {
+    const QFontMetrics metrics = fontMetrics();
+    // The field's own hint is a single letter, the widest.
+    return QLineEdit::minimumSizeHint() + QSize(metrics.horizontalAdvance("00000") - metrics.maxWidth(), 0);
 }
 
 void NumberField::keyPressEvent(QKeyEvent* event) {

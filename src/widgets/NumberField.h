@@ -24,13 +24,18 @@ public:
     void setStepLimits(double least, double most);
 
     enum class Look { Usual, Refused, Unused };
-    /// Looks as if the text were not what is taken, or nothing that is used, and says so before its usual tip.
+    /// Looks as if the text were not what is taken, or nothing that is used, and says so before its usual
+    /// tip.
     void setLook(Look look, const QString& note = {});
 
+    QSize minimumSizeHint() const override; ///< five digits
+
 protected:
+    void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void showLook();
     void replaceText(double value);
     void writeOutThousands();
 

@@ -238,6 +238,10 @@ TEST_F(LargeControlsTest, NothingIsClippedInTheSmallestWindows) {
         window->resize(window->minimumSizeHint());
         QApplication::processEvents();
         for (const QWidget* part : window->findChildren<QWidget*>()) {
+            if (const auto* field = qobject_cast<const NumberField*>(part); field && field->isVisible()) {
+                EXPECT_GE(field->width(), field->fontMetrics().horizontalAdvance(field->text()))
+                    << field->objectName().toStdString();
+            }
             if (!part->isVisible() || !(part->inherits("QLabel") || part->inherits("QAbstractButton")) ||
                 part->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored)
                 continue;
