@@ -85,7 +85,10 @@ void RealSlider::keyPressEvent(QKeyEvent* event) {
 void RealSlider::showValue() {
     showing_ = true;
     const double range = maximum_ - minimum_;
-    setValue(range > 0.0 ? static_cast<int>(std::lround((value_ - minimum_) / range * kSteps)) : 0);
+    const int position =
+        range > 0.0 ? static_cast<int>(std::lround((value_ - minimum_) / range * kSteps)) : 0;
+    // At an end only with the value of the end, so that the user can still go there.
+    setValue(std::clamp(position, value_ > minimum_ ? 1 : 0, value_ < maximum_ ? kSteps - 1 : kSteps));
     showing_ = false;
 }
 

@@ -328,6 +328,9 @@ TEST_F(ControlsTest, AValueIsTypedInThePlaceOfItsLabelAndSentAsAMoveIs) {
     EXPECT_EQ(slider.doubleValue(), 0.501);
     QTest::keyClick(&slider, Qt::Key_Delete);
     EXPECT_EQ(slider.doubleValue(), 1);
+    typeValue(slider, "0.01", Qt::Key_Tab);
+    QTest::keyClick(&slider, Qt::Key_Home);
+    EXPECT_EQ(slider.doubleValue(), 0);
 }
 
 TEST_F(ControlsTest, NumbersAreSteppedAndThousandsWrittenOut) {
