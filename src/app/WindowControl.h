@@ -11,6 +11,7 @@
 #include "platform/SoundSystem.h"
 #include "widgets/Preferences.h"
 #include "widgets/QtRunLoop.h"
+#include "widgets/UnfocusedWheel.h"
 
 #include <QObject>
 #include <QTimer>
@@ -97,6 +98,7 @@ private:
     AudioDeviceTable devices_;
     OutputStream output_;
 
+    UnfocusedWheel unfocusedWheel_;
     const std::unique_ptr<QMainWindow> window_;
     MainMenu menu_{};
     GeneratorPanel* panel_ = nullptr;

@@ -5,13 +5,16 @@
 #include "generator/Waveforms.h"
 #include "widgets/Introduce.h"
 #include "widgets/NumberField.h"
+#include "widgets/NumberText.h"
 #include "widgets/PopUp.h"
 #include "widgets/RealSlider.h"
+#include "widgets/TypedValue.h"
 
 #include <QCheckBox>
 #include <QLabel>
 
 #include <algorithm>
+#include <cmath>
 
 namespace sonotrace {
 
@@ -22,12 +25,21 @@ constexpr int kRowHeight = 30;
 constexpr int kCaptionY = 20;
 constexpr int kPanelWidth = 750;
 
+constexpr double kLeastFrequency = 0.1;
+constexpr double kMostFrequency = 22000.0;
+constexpr double kMostPhase = 360.0;
+
 constexpr int kEnabledTag = 100;
 constexpr int kWaveformTag = 200;
 constexpr int kFrequencyTag = 300;
 constexpr int kPhaseTag = 400;
 constexpr int kVolumeLeftTag = 500;
 constexpr int kVolumeRightTag = 600;
+
+// What the font must fit into; where it does not, the panel grows with it.
+constexpr const char* kFrequencyCaption = "Frequency, Hz";
+constexpr double kFrequencyRoom = 96.0;
+constexpr double kLineRoom = 20.0;
 
 int rowY(int slot) {
     return kFirstRowY + kRowHeight * slot;
@@ -41,6 +53,15 @@ QString percent(double volume) {
     return QString::number(truncateToInt32(volume * 100.0));
 }
 
+/// Marks a field whose text says something else than what plays, a number with another unit included.
+void sayWhatPlays(NumberField& field, double plays, const QString& unit) {
+    const auto typed = numberAndUnit(field.text());
+    const bool isTrue =
+        typed && typed->number == plays && (typed->unit.isEmpty() || typed->unit == unit.toLower());
+    field.setLook(isTrue ? NumberField::Look::Usual : NumberField::Look::Refused,
+                  QString("plays %1 %2").arg(textFromNumber(plays), unit));
+}
+
 /// Introduces a control of row `slot` and tags it.
 void introduceInRow(QWidget& control, const char* name, int slot, int tag, const QString& title,
                     const QString& tip) {
@@ -52,8 +73,17 @@ void introduceInRow(QWidget& control, const char* name, int slot, int tag, const
 
 } // namespace
 
-GeneratorPanel::GeneratorPanel(GeneratorBank& bank, QWidget* parent) : WindowView(parent), bank_(bank) {
-    setFixedSize(kPanelWidth, rowY(kGeneratorCount));
+GeneratorPanel::GeneratorPanel(GeneratorBank& bank, QWidget* parent)
+    : WindowView(parent),
+      bank_(bank),
+      scale_(std::max({1.0, fontMetrics().height() / kLineRoom,
+                       fontMetrics().horizontalAdvance(kFrequencyCaption) / kFrequencyRoom})) {
+    setFixedSize(place(0, 0, kPanelWidth, rowY(kGeneratorCount)).size());
+}
+
+QRect GeneratorPanel::place(int x, int y, int width, int height) const {
+    const auto scaled = [this](int length) { return static_cast<int>(std::lround(length * scale_)); };
+    return {scaled(x), scaled(y), scaled(width), scaled(height)};
 }
 
 void GeneratorPanel::BuildControls() {
@@ -76,29 +106,31 @@ void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
     Row& controls = row(slot);
 
     controls.enabled = new QCheckBox(this);
-    controls.enabled->setGeometry(14, y, 40, 20);
+    controls.enabled->setGeometry(place(14, y, 40, 20));
     controls.enabled->setChecked(settings.enabled > 0);
     introduceInRow(
         *controls.enabled, "enabled", slot, kEnabledTag + slot, "on",
         "Switches the generator on. All generators that are on share the full scale between them.");
 
     controls.waveform = new QComboBox(this);
-    controls.waveform->setGeometry(64, y, 110, 25);
+    controls.waveform->setGeometry(place(64, y, 110, 25));
     setItems(*controls.waveform, waveformTitles());
     selectItem(*controls.waveform, settings.waveform);
     introduceInRow(*controls.waveform, "waveform", slot, kWaveformTag + slot, "waveform",
                    "Shape of the signal");
 
     controls.frequency = new NumberField(this);
-    controls.frequency->setGeometry(200, y, 85, 20);
+    controls.frequency->setGeometry(place(200, y, 85, 20));
     controls.frequency->setAlignment(Qt::AlignLeft);
+    controls.frequency->setStepLimits(kLeastFrequency, kMostFrequency);
     controls.frequency->setText(fixedPoint(settings.frequency));
     introduceInRow(*controls.frequency, "frequency", slot, kFrequencyTag + slot, "frequency",
                    "Frequency in Hz, 0.1 to 22000");
 
     controls.phase = new NumberField(this);
-    controls.phase->setGeometry(300, y, 85, 20);
+    controls.phase->setGeometry(place(300, y, 85, 20));
     controls.phase->setAlignment(Qt::AlignLeft);
+    controls.phase->setStepLimits(-kMostPhase, kMostPhase);
     controls.phase->setText(fixedPoint(settings.phase));
     introduceInRow(*controls.phase, "phase", slot, kPhaseTag + slot, "phase",
                    "Phase in degrees, -360 to 360");
@@ -106,16 +138,24 @@ void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
     controls.volumeLeft =
         volumeSlider(slot, "volumeLeft", kVolumeLeftTag + slot, 400, "left", settings.volumeLeft);
     controls.readoutLeft = readout(slot, "readoutLeft", 525, "left", settings.volumeLeft);
+    letType(*controls.volumeLeft, *controls.readoutLeft, volumeNotation());
     controls.volumeRight =
         volumeSlider(slot, "volumeRight", kVolumeRightTag + slot, 570, "right", settings.volumeRight);
     controls.readoutRight = readout(slot, "readoutRight", 695, "right", settings.volumeRight);
+    letType(*controls.volumeRight, *controls.readoutRight, volumeNotation());
+
+    auto* number = new QLabel(QString::number(slot + 1), this);
+    number->setObjectName("number" + QString::number(slot));
+    number->setGeometry(place(36, y, 26, 20));
+    number->setAttribute(Qt::WA_TransparentForMouseEvents); // it lies on the box
 }
 
 RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, int x, const QString& channel,
                                          double volume) {
     auto* slider = new RealSlider(this);
-    slider->setGeometry(x, rowY(slot), 125, 25);
+    slider->setGeometry(place(x, rowY(slot), 125, 25));
     slider->setDoubleValue(volume);
+    slider->setFirstValue(1.0);
     introduceInRow(*slider, name, slot, tag, QString("%1 volume").arg(channel),
                    QString("Volume of the %1 channel, 0 to 100 % of the generator's share").arg(channel));
     connect(slider, &RealSlider::valueEdited, this, [this, slider] { volSliderEvent(*slider); });
@@ -124,7 +164,7 @@ RealSlider* GeneratorPanel::volumeSlider(int slot, const char* name, int tag, in
 
 QLabel* GeneratorPanel::readout(int slot, const char* name, int x, const QString& channel, double volume) {
     auto* label = new QLabel(percent(volume), this);
-    label->setGeometry(x, rowY(slot) + 3, 40, 20);
+    label->setGeometry(place(x, rowY(slot) + 3, 40, 20));
     introduceInRow(*label, name, slot, 0, QString("%1 volume in per cent").arg(channel),
                    QString("Volume of the %1 channel in per cent").arg(channel));
     return label;
@@ -135,14 +175,17 @@ void GeneratorPanel::placeCaptions() {
         const char* name;
         QString text;
         int x;
-    } captions[] = {{"labelEnabled", "On", 14},           {"labelType", "Waveform", 64},
-                    {"labelFreq", "Frequency, Hz", 200},  {"labelPhase", "Phase, °", 300},
-                    {"labelLeft", "Left volume, %", 400}, {"labelRight", "Right volume, %", 570}};
+    } captions[] = {{"labelEnabled", "On", 14},
+                    {"labelType", "Waveform", 64},
+                    {"labelFreq", kFrequencyCaption, 200},
+                    {"labelPhase", "Phase, °", 300},
+                    {"labelLeft", "Left volume, %", 400},
+                    {"labelRight", "Right volume, %", 570}};
     for (const auto& caption : captions) {
         auto* label = new QLabel(caption.text, this);
         label->setObjectName(caption.name);
         label->adjustSize();
-        label->move(caption.x, kCaptionY);
+        label->move(place(caption.x, kCaptionY, 0, 0).topLeft());
     }
 }
 
@@ -163,10 +206,13 @@ void GeneratorPanel::poll() {
         GeneratorSlot& values = bank_.slots[static_cast<std::size_t>(slot)];
         values.enabled.store(controls.enabled->isChecked() ? 1 : 0, std::memory_order_relaxed);
         values.waveform.store(controls.waveform->currentIndex(), std::memory_order_relaxed);
-        values.frequency.store(std::clamp(controls.frequency->doubleValue(), 0.1, 22000.0),
-                               std::memory_order_relaxed);
-        values.phase.store(std::clamp(controls.phase->doubleValue(), -360.0, 360.0),
-                           std::memory_order_relaxed);
+        const double frequency =
+            std::clamp(controls.frequency->doubleValue(), kLeastFrequency, kMostFrequency);
+        values.frequency.store(frequency, std::memory_order_relaxed);
+        sayWhatPlays(*controls.frequency, frequency, "Hz");
+        const double phase = std::clamp(controls.phase->doubleValue(), -kMostPhase, kMostPhase);
+        values.phase.store(phase, std::memory_order_relaxed);
+        sayWhatPlays(*controls.phase, phase, "°");
     }
 }
 

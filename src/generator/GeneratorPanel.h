@@ -51,6 +51,9 @@ private:
         QLabel* readoutRight;
     };
 
+    /// Where something lies whose place is given for a font of the usual size.
+    QRect place(int x, int y, int width, int height) const;
+
     void buildRow(int slot, const GeneratorSettings& settings);
     void placeCaptions();
     RealSlider* volumeSlider(int slot, const char* name, int tag, int x, const QString& channel,
@@ -62,6 +65,7 @@ private:
     const Row& row(int slot) const { return rows_[static_cast<std::size_t>(slot)]; }
 
     GeneratorBank& bank_;
+    const double scale_;
     std::array<Row, kGeneratorCount> rows_{};
 };
 

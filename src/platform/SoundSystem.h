@@ -56,6 +56,9 @@ public:
     virtual Status getInputVolume(AudioDeviceID device, std::uint32_t channel, float& volume) = 0;
     virtual Status setInputVolume(AudioDeviceID device, std::uint32_t channel, float volume) = 0;
 
+    /// The power of an input volume that samples are multiplied by. Mixers take the cube, nearer to the ear.
+    virtual double inputVolumeExponent() const { return 3.0; }
+
     /// Sends a device's input straight to its output (channel 0 is the whole device).
     virtual Status setPlayThrough(AudioDeviceID device, std::uint32_t channel, std::uint32_t enabled) = 0;
 

@@ -1,7 +1,12 @@
 #include "scope/ScopeController.h"
 
+#include "base/SampleRate.h"
 #include "ui_ScopeWindow.h"
+#include "widgets/NumberText.h"
 #include "widgets/RealSlider.h"
+#include "widgets/TypedValue.h"
+
+#include <cmath>
 
 namespace sonotrace {
 
@@ -12,9 +17,40 @@ namespace {
 constexpr float kNoRange = 50000.0F;
 constexpr float kNoSweep = 600.0F;
 
+/// What is typed is still the same number of samples, truncated, after it has been kept in single precision.
+constexpr double kSampleMargin = 0.01;
+
 /// A slider left at exactly 0 counts as one that was never stored.
 auto storedOr(float fallback) {
     return [fallback](float stored) { return stored == 0.0F ? fallback : stored; };
+}
+
+ValueNotation gainNotation() {
+    const auto write = [](double slider) { return QString::number(scopeGain(slider)); };
+    const auto read = [](const QString& text) -> std::optional<double> {
+        const auto gain = numberAndUnit(QString(text).remove(u'×'));
+        if (!gain || !gain->unit.isEmpty() || gain->number <= 0.0)
+            return std::nullopt;
+        return -std::log10(gain->number);
+    };
+    return {write, read};
+}
+
+ValueNotation sweepNotation() {
+    const auto write = [](double slider) {
+        return QString("%1 samples").arg(displayBuflength(scopeSweep(slider)));
+    };
+    const auto read = [](const QString& text) -> std::optional<double> {
+        const auto length = numberAndUnit(text);
+        if (!length || length->number <= 0.0)
+            return std::nullopt;
+        const bool isTime = length->unit == "ms";
+        if (!isTime && !length->unit.isEmpty() && length->unit != "samples")
+            return std::nullopt;
+        const double samples = isTime ? std::round(length->number * kSampleRate / 1000.0) : length->number;
+        return 5.0 - std::log10(samples + kSampleMargin);
+    };
+    return {write, read};
 }
 
 } // namespace
@@ -24,8 +60,12 @@ ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferen
       ui_(std::make_unique<Ui::ScopeWindow>()),
       capture_(controls_, [this] { ui_->mainView->update(); }) {
     ui_->setupUi(&window_);
+    levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->timeStrip});
     keepRoom({ui_->rangeValue1, ui_->rangeValue2, ui_->offsetValue1, ui_->offsetValue2, ui_->triggerValue1,
-              ui_->triggerValue2, ui_->sweepValue});
+              ui_->triggerValue2, ui_->sweepValue, ui_->soundInputVolume2Value});
+    showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());
+    ui_->soundInputVolume2->setFirstValue(0.0, ui_->soundInputVolume2Label);
+    makeSlidersHandy();
     const CaptureVariant variant{.streamName = "Scope",
                                  .runLoop = &runLoop,
                                  .printsEnqueue = false,
@@ -53,6 +93,26 @@ void ScopeController::awakeFromNib() {
     listStoredControls();
     stored_.restore();
     source_->startSound();
+}
+
+void ScopeController::makeSlidersHandy() {
+    const struct {
+        RealSlider* slider;
+        QLabel* value;
+        ValueNotation notation;
+        double first;
+        QLabel* name;
+    } rows[] = {{ui_->rangeSlider1, ui_->rangeValue1, gainNotation(), kNoRange, ui_->rangeSlider1Label},
+                {ui_->rangeSlider2, ui_->rangeValue2, gainNotation(), kNoRange, ui_->rangeSlider2Label},
+                {ui_->offsetSlider1, ui_->offsetValue1, plainNotation("px"), 0.0, ui_->offsetSlider1Label},
+                {ui_->offsetSlider2, ui_->offsetValue2, plainNotation("px"), 0.0, ui_->offsetSlider2Label},
+                {ui_->triggerSlider1, ui_->triggerValue1, plainNotation(), 0.0, ui_->triggerSlider1Label},
+                {ui_->triggerSlider2, ui_->triggerValue2, plainNotation(), 0.0, ui_->triggerSlider2Label},
+                {ui_->sweepSlider, ui_->sweepValue, sweepNotation(), kNoSweep, ui_->sweepSliderLabel}};
+    for (const auto& row : rows) {
+        letType(*row.slider, *row.value, row.notation);
+        row.slider->setFirstValue(row.first, row.name);
+    }
 }
 
 void ScopeController::listStoredControls() {

@@ -38,6 +38,7 @@ public:
     double getSweep() const;
 
 private:
+    void makeSlidersHandy();
     void listStoredControls();
     void takeControls();
     void showValues();

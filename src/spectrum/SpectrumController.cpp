@@ -3,6 +3,7 @@
 #include "base/FftWindows.h"
 #include "base/SystemLog.h"
 #include "ui_SpectrumWindow.h"
+#include "widgets/TypedValue.h"
 
 #include <algorithm>
 #include <bit>
@@ -12,6 +13,7 @@ namespace sonotrace {
 namespace {
 
 constexpr int kMeterInterval = 50; // ms
+constexpr int kMostAverages = 100; // from the store and with the keys; what is typed has no limit
 constexpr float kFullBrightness = 1000.0F;
 
 /// The log lines of the frequencies show part of the number's bits, the low half of the double, not the
@@ -27,6 +29,12 @@ SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Pr
       ui_(std::make_unique<Ui::SpectrumWindow>()),
       analysis_([this] { ui_->mainView->update(); }) {
     ui_->setupUi(&window_);
+    levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->analysisStrip, ui_->displayStrip});
+    ui_->numAvgText->setStepLimits(1.0, kMostAverages);
+    keepRoom({ui_->soundInputVolume2Value});
+    showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());
+    ui_->soundInputVolume2->setFirstValue(0.0, ui_->soundInputVolume2Label);
+    ui_->gridSlider->setFirstValue(kFullBrightness, ui_->gridSliderLabel);
     const CaptureVariant variant{.streamName = "Spectrum",
                                  .runLoop = &runLoop,
                                  .printsEnqueue = true,
@@ -47,6 +55,7 @@ void SpectrumController::awakeFromNib() {
     source_->SetSoundDevices();
     listStoredControls();
     stored_.restore();
+    showUse();
     doFFTSize();
     connect(&bargraphTimer_, &QTimer::timeout, this, &SpectrumController::updateBargraph);
     source_->startSound();
@@ -65,7 +74,7 @@ void SpectrumController::listStoredControls() {
     stored_.add("spectrumLogCheckbox", *ui_->logCheckbox, alsoInto(display_.logMode));
     stored_.add("spectrumGridCheckbox", *ui_->gridCheckbox, alsoInto(display_.gridMode));
     const auto setNumAvg = [this](std::int32_t stored) {
-        analysis_.setNumAvg(std::clamp(stored, 1, 100));
+        analysis_.setNumAvg(std::clamp(stored, 1, kMostAverages));
         ui_->numAvgText->setDoubleValue(analysis_.numAvg());
     };
     stored_.addInteger("spectrumNumAvg", setNumAvg, [this] { return ui_->numAvgText->integerValue(); });
@@ -124,6 +133,14 @@ void SpectrumController::doFillMode() {
 void SpectrumController::doLogMode() {
     systemLog("doLogMode");
     display_.logMode = ui_->logCheckbox->isChecked() ? 1 : 0;
+    showUse();
+}
+
+/// The frequencies may be edited meanwhile: they are only not looked at.
+void SpectrumController::showUse() {
+    const auto look = display_.logMode != 0 ? NumberField::Look::Unused : NumberField::Look::Usual;
+    for (NumberField* field : {ui_->startFreqText, ui_->endFreqText})
+        field->setLook(look, "Not used: the logarithmic axis goes from 1 Hz to 20 kHz");
 }
 
 void SpectrumController::doGridMode() {

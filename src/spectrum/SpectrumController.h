@@ -41,6 +41,7 @@ private:
     void numAvgTextChanged();
     void doFillMode();
     void doLogMode();
+    void showUse();
     void doGridMode();
     void doFFTSize();
     void doWindow();

@@ -3,6 +3,9 @@
 #include "base/SystemLog.h"
 #include "sweep/SweepStatus.h"
 #include "ui_SweepWindow.h"
+#include "widgets/TypedValue.h"
+
+#include <limits>
 
 namespace sonotrace {
 
@@ -37,6 +40,8 @@ void SweepController::awakeFromNib() {
     follow(*ui_->amplitudeRight, *ui_->amplitudeRightReadout);
     // The switch beside the unit must not jump when it is clicked.
     ui_->rateUnit->setMinimumWidth(ui_->rateUnit->fontMetrics().horizontalAdvance(logRateUnit()));
+    constexpr double kAnyRate = std::numeric_limits<double>::infinity();
+    ui_->rate->setStepLimits(-kAnyRate, kAnyRate);
     listStoredControls();
     stored_.restore();
     connectControls();
@@ -89,8 +94,10 @@ void SweepController::connectControls() {
 }
 
 /// Keeps the per cent beside a slider.
-void SweepController::follow(const RealSlider& slider, QLabel& readout) {
+void SweepController::follow(RealSlider& slider, QLabel& readout) {
     keepRoom({&readout});
+    letType(slider, readout, volumeNotation());
+    slider.setFirstValue(0.0);
     connect(&slider, &RealSlider::doubleValueChanged, &readout,
             [&readout](double value) { readout.setText(QString("%1 %").arg(value * 100.0, 0, 'f', 1)); });
 }

@@ -51,7 +51,7 @@ public Q_SLOTS:
 private:
     void listStoredControls();
     void connectControls();
-    void follow(const RealSlider& slider, QLabel& readout);
+    void follow(RealSlider& slider, QLabel& readout);
     void showState();
 
     SweepParameters& parameters_;

@@ -6,7 +6,9 @@
 #include "base/SystemLog.h"
 #include "ui_WaterfallWindow.h"
 #include "widgets/FilePanels.h"
+#include "widgets/NumberField.h"
 #include "widgets/Preferences.h"
+#include "widgets/TypedValue.h"
 
 #include <QDateTime>
 
@@ -22,6 +24,9 @@ constexpr auto kRelaxed = std::memory_order_relaxed;
 constexpr auto kMaxDbKey = "WATERFALL_maxDB";
 constexpr auto kMinDbKey = "WATERFALL_minDB";
 constexpr int kMeterInterval = 50; // ms
+constexpr double kFirstVolume = 700.0;
+constexpr double kFirstMaxDb = 75.0;
+constexpr double kFirstMinDb = 25.0;
 constexpr int kLeastStoredLog2 = 7;
 constexpr int kMenuSizes = 12;
 
@@ -40,7 +45,16 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
       analysis_(parameters_, *image_, log_),
       measurement_(parameters_) {
     ui_->setupUi(&window_);
-    keepRoom({ui_->minDBText, ui_->maxDBText});
+    levelRows(*ui_->inputPopup,
+              {ui_->inputStrip, ui_->analysisStrip, ui_->measurementStrip, ui_->statusStrip});
+    keepRoom({ui_->minDBText, ui_->maxDBText, ui_->soundInputVolume2Value});
+    showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());
+    ui_->soundInputVolume2->setFirstValue(kFirstVolume, ui_->soundInputVolume2Label);
+    letType(*ui_->minDbSlider, *ui_->minDBText, plainNotation("dB"));
+    letType(*ui_->maxDbSlider, *ui_->maxDBText, plainNotation("dB"));
+    ui_->gainText->setLook(NumberField::Look::Unused, "Kept with the settings, and does nothing");
+    ui_->minDbSlider->setFirstValue(kFirstMinDb);
+    ui_->maxDbSlider->setFirstValue(kFirstMaxDb);
     const CaptureVariant variant{.streamName = "Waterfall",
                                  .runLoop = nullptr,
                                  .printsEnqueue = true,
@@ -129,8 +143,8 @@ void WaterfallController::setMissingPairs() {
     }
     // Not from the sliders, which pin what they are given.
     if (preferences_.floatValue(kMaxDbKey) == 0.0F && preferences_.floatValue(kMinDbKey) == 0.0F) {
-        ui_->maxDbSlider->setDoubleValue(75.0);
-        ui_->minDbSlider->setDoubleValue(25.0);
+        ui_->maxDbSlider->setDoubleValue(kFirstMaxDb);
+        ui_->minDbSlider->setDoubleValue(kFirstMinDb);
     }
 }
 

@@ -1,5 +1,7 @@
 #include "widgets/NumberText.h"
 
+#include <QRegularExpression>
+
 #include <charconv>
 #include <cmath>
 #include <limits>
@@ -57,6 +59,23 @@ double numberFromText(const QString& text) {
         value = isTiny(number.substr(0, length)) ? 0.0 : std::numeric_limits<double>::infinity();
     }
     return sign * value;
+}
+
+std::optional<NumberAndUnit> numberAndUnit(const QString& text) {
+    static const QRegularExpression form(R"(^([+-]?(?:\d+\.?\d*|\.\d+)(?:[eE][+-]?\d+)?)\s*([^\s\d.,]*)$)");
+    const QRegularExpressionMatch match = form.match(text.trimmed());
+    if (!match.hasMatch())
+        return std::nullopt;
+    return NumberAndUnit{numberFromText(match.captured(1)), match.captured(2).toLower()};
+}
+
+std::optional<double> thousandsFromText(const QString& text) {
+    static const QRegularExpression form(R"(^([+-]?(?:\d+\.?\d*|\.\d+))\s*k(?:hz)?$)",
+                                         QRegularExpression::CaseInsensitiveOption);
+    const QRegularExpressionMatch match = form.match(text.trimmed());
+    if (!match.hasMatch())
+        return std::nullopt;
+    return numberFromText(match.captured(1) + "e3"); // exact, which a product is not
 }
 
 QString textFromNumber(double value) {

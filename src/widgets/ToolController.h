@@ -3,6 +3,7 @@
 #include "base/SystemLog.h"
 #include "widgets/StoredControls.h"
 
+#include <QBoxLayout>
 #include <QLabel>
 #include <QObject>
 #include <QWidget>
@@ -32,6 +33,12 @@ protected:
     static void keepRoom(std::initializer_list<QLabel*> labels) {
         for (QLabel* label : labels)
             label->setMinimumWidth(label->sizeHint().width());
+    }
+
+    /// Makes rows as high as `control` calls for, so that windows look alike whatever is in a row.
+    static void levelRows(const QWidget& control, std::initializer_list<QBoxLayout*> rows) {
+        for (QBoxLayout* row : rows)
+            row->addStrut(control.sizeHint().height());
     }
 
     QWidget window_;

@@ -6,14 +6,22 @@
 #include "support/FullDisk.h"
 #include "support/ToolWindow.h"
 #include "widgets/FilePanels.h"
+#include "widgets/NumberField.h"
+#include "widgets/RealSlider.h"
+#include "widgets/TypedValue.h"
 
 #include <QAction>
 #include <QFile>
 #include <QMainWindow>
+#include <QMenu>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QWheelEvent>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <sys/stat.h>
 #include <tuple>
 
@@ -79,14 +87,18 @@ TEST_F(WindowControlTest, SlidersActAtOnceAndThePollClampsWhatIsTyped) {
     EXPECT_EQ(slot(3).volumeRight, 0.999);
     const std::tuple<const char*, double, const char*, double> entries[] = {
         {"0", 0.1, "720", 360}, {"440.25 Hz", 440.25, " 12", 12}, {"1e308", 22000, "-1e999", -360},
-        {"abc", 0.1, "", 0},    {".5", 0.5, "1e2", 100},          {"nan", 0.1, "0x10", 0}};
+        {"1k", 1, "", 0},       {".5", 0.5, "1e2", 100},          {"nan", 0.1, "0x10", 0}};
     for (const auto& [frequency, taken, phase, takenPhase] : entries) {
         type("frequency4", frequency);
         type("phase4", phase);
         control_->HalfSecTimer();
         EXPECT_EQ(slot(4).frequency, taken) << frequency;
         EXPECT_EQ(slot(4).phase, takenPhase) << phase;
-        EXPECT_EQ(find<QLineEdit>("frequency4").text(), frequency) << "the text is left alone";
+        const auto& field = find<QLineEdit>("frequency4");
+        EXPECT_EQ(field.text(), frequency) << "the text is left alone";
+        const bool isTrue = *frequency == '4' || *frequency == '.';
+        EXPECT_EQ(field.palette().base() == QPalette().base(), isTrue) << frequency;
+        EXPECT_EQ(field.toolTip().startsWith(QString("plays %1 Hz\n").arg(taken)), !isTrue) << frequency;
     }
     click("enabled4");
     find<QComboBox>("waveform4").setCurrentText("Off");
@@ -236,6 +248,154 @@ TEST_F(WindowControlTest, AFullDiskLeavesTheFilesThatWereThere) {
     EXPECT_EQ(contents(file), before);
     mkfifo(qPrintable(path("pipe")), 0600);
     EXPECT_EQ(writeFile(path("pipe"), "new", "Saved %1"), "pipe cannot be written: it is not a file");
+}
+
+/// What the controls of all windows have in common, tried with a large font.
+class ControlsTest : public WindowControlTest {
+protected:
+    ControlsTest() {
+        QFont large = usualFont_;
+        large.setPointSize(14);
+        QApplication::setFont(large);
+        launch();
+        for (const char* tool : kTools)
+            open(tool);
+    }
+    ~ControlsTest() override { QApplication::setFont(usualFont_); }
+
+    /// Makes the window with that control the one under test.
+    template <typename Control>
+    Control& go(const QString& name) {
+        for (QWidget* window : windows()) {
+            if (window->findChild<Control*>(name))
+                window_ = window;
+        }
+        window_->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(window_));
+        return find<Control>(name);
+    }
+
+    static QWidgetList windows() {
+        QWidgetList windows = QApplication::topLevelWidgets();
+        windows.removeIf([](const QWidget* window) { return !window->objectName().endsWith("Window"); });
+        return windows;
+    }
+
+    const QFont usualFont_ = QApplication::font();
+};
+
+QString turnWheel(QWidget& control) {
+    const QPointF middle = control.rect().center();
+    QWheelEvent event(middle, control.mapToGlobal(middle), {}, {0, -120}, {}, {}, {}, false);
+    QSpontaneKeyEvent::setSpontaneous(&event); // others stay where they are sent
+    qApp->notify(&control, &event);
+    return control.metaObject()->userProperty().read(&control).toString();
+}
+
+TEST_F(ControlsTest, TheWheelTurnsOnlyWhatHasTheFocus) {
+    for (QWidget* window : windows()) {
+        for (QWidget* control : window->findChildren<QWidget*>()) {
+            if (!control->isVisible() || !(control->inherits("QSlider") || control->inherits("QComboBox")))
+                continue;
+            window->setFocus();
+            const QVariant before = control->metaObject()->userProperty().read(control);
+            EXPECT_EQ(turnWheel(*control), before.toString()) << control->objectName().toStdString();
+            EXPECT_NE(window->focusWidget(), control) << control->objectName().toStdString();
+        }
+    }
+    auto& popup = go<QComboBox>("waveform0");
+    window_->resize(700, 300);
+    turnWheel(popup);
+    EXPECT_GT(find<QScrollArea>("view").verticalScrollBar()->value(), 0);
+    popup.setFocus();
+    EXPECT_EQ(turnWheel(popup), "Square");
+}
+
+TEST_F(ControlsTest, AValueIsTypedInThePlaceOfItsLabelAndSentAsAMoveIs) {
+    const std::tuple<const char*, const char*, double, const char*, const char*> entries[] = {
+        {"volumeLeft3", "-6 dB", std::pow(10.0, -0.3), "readoutLeft3", "50"},
+        {"amplitudeLeft", "120", 1, "amplitudeLeftReadout", "100.0 %"},
+        {"soundInputVolume2", "35%", 350, "soundInputVolume2Value", "35 %  -9.1 dB"},
+        {"rangeSlider1", "× 10", -1, "rangeValue1", "× 10.0"},
+        {"offsetSlider2", "-7.25 px", -7.25, "offsetValue2", "-7 px"},
+        {"triggerSlider1", "1e3 px", 0, "triggerValue1", "0"},
+        {"sweepSlider", "1 ms", 5 - std::log10(44.01), "sweepValue", "44 samples, 1.00 ms"}};
+    const auto typeValue = [](RealSlider& slider, const char* text, Qt::Key end) {
+        slider.setFocus();
+        QTest::keyClick(&slider, Qt::Key_F2);
+        QTest::keyClicks(QApplication::focusWidget(), text);
+        QTest::keyClick(QApplication::focusWidget(), end);
+    };
+    for (const auto& [name, typed, value, label, shown] : entries) {
+        auto& slider = go<RealSlider>(name);
+        typeValue(slider, typed, Qt::Key_Return);
+        EXPECT_DOUBLE_EQ(slider.doubleValue(), value) << name;
+        EXPECT_EQ(text(label), shown) << name;
+    }
+    QTest::mouseDClick(&find<QLabel>("rangeSlider1Label"), Qt::LeftButton);
+    EXPECT_EQ(find<RealSlider>("rangeSlider1").doubleValue(), 0);
+    EXPECT_NEAR(*volumeNotation(1000, 3).read("-9.3 dB"), 700, 0.2) << "as mixers count";
+
+    auto& slider = go<RealSlider>("volumeLeft3");
+    typeValue(slider, "12", Qt::Key_Escape);
+    typeValue(slider, "", Qt::Key_Tab);
+    EXPECT_EQ(slider.doubleValue(), std::pow(10.0, -0.3)) << "neither given up nor rounded";
+    testing::internal::CaptureStderr();
+    typeValue(slider, "50.05", Qt::Key_Tab);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "volSliderEvent 503\n");
+    QTest::keyClick(&slider, Qt::Key_Right, Qt::ControlModifier);
+    EXPECT_EQ(slider.doubleValue(), 0.501);
+    QTest::keyClick(&slider, Qt::Key_Delete);
+    EXPECT_EQ(slider.doubleValue(), 1);
+    typeValue(slider, "0.01", Qt::Key_Tab);
+    QTest::keyClick(&slider, Qt::Key_Home);
+    EXPECT_EQ(slider.doubleValue(), 0);
+}
+
+TEST_F(ControlsTest, NumbersAreSteppedAndThousandsWrittenOut) {
+    const std::tuple<const char*, Qt::Key, const char*> entries[] = {
+        {"441.5 Hz", Qt::Key_Up, "450"}, {"1000", Qt::Key_Up, "1100"},
+        {"1000", Qt::Key_Down, "990"},   {"1000", Qt::Key_PageDown, "900"},
+        {"0", Qt::Key_Down, "0"},        {"1e999", Qt::Key_Up, "1e999"},
+        {"1.5k", Qt::Key_Up, "1600"},    {"1.001 kHz", Qt::Key_Return, "1001"},
+        {"22K", Qt::Key_Tab, "22000"},   {"1 kg", Qt::Key_Tab, "1 kg"}};
+    auto& field = go<NumberField>("startFreq");
+    for (const auto& [typed, key, then] : entries) {
+        field.setFocus();
+        field.setText(typed);
+        QTest::keyClick(&field, key);
+        EXPECT_EQ(field.text(), then) << typed;
+    }
+    field.setText("1k");
+    testing::internal::CaptureStderr();
+    QTest::keyClick(&field, Qt::Key_Return);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "startFreqTextChanged\ndoStartFreq\n");
+}
+
+TEST_F(ControlsTest, NoMnemonicIsThereTwiceAndNothingIsClippedInTheSmallestWindows) {
+    for (QWidget* window : windows()) {
+        QList<QKeySequence> mnemonics;
+        const auto use = [&mnemonics](const QString& text) {
+            const QKeySequence key = QKeySequence::mnemonic(text);
+            EXPECT_TRUE(key.isEmpty() || !mnemonics.contains(key)) << text.toStdString();
+            mnemonics << key;
+        };
+        for (const QMenu* menu : window->findChildren<QMenu*>())
+            use(menu->title());
+        window->resize(window->minimumSizeHint());
+        QApplication::processEvents();
+        for (const QWidget* part : window->findChildren<QWidget*>()) {
+            const QString text = part->property("text").toString();
+            const bool isField = part->inherits("QLineEdit");
+            if (!isField && !part->inherits("QLabel") && !part->inherits("QAbstractButton"))
+                continue;
+            use(isField ? QString() : text);
+            const QSize needed = isField ? part->fontMetrics().size(0, text) : part->sizeHint();
+            const bool isElided = part->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
+            EXPECT_TRUE(!part->isVisible() || isElided || part->size().expandedTo(needed) == part->size())
+                << part->objectName().toStdString();
+        }
+    }
 }
 
 } // namespace

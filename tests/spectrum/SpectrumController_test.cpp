@@ -41,6 +41,7 @@ TEST_F(SpectrumWindowTest, TheEngineGetsWhatIsStoredAndWhatIsTyped) {
     click("logCheckbox");
     EXPECT_EQ(controller_->display().spectrumEndFreq, 99.5);
     EXPECT_EQ(controller_->display().logMode, 1);
+    EXPECT_TRUE(find<QLineEdit>("endFreqText").toolTip().startsWith("Not used"));
     type("numAvgText", "250");
     EXPECT_EQ(controller_->analysis().numAvg(), 250) << "typed values are not clamped";
     controller_->applicationWillTerminate();
