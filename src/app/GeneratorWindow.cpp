@@ -52,6 +52,11 @@ GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorBank& bank, c
               "Starts all generators and the sweep again from phase 0, together");
     parts.syncPhases = syncPhases;
 
+    auto* allOff = new QPushButton("&All Off");
+    introduce(*allOff, "allOffButton", "All off",
+              "Switches all generators and the sweep off at once (Ctrl+.)");
+    parts.allOff = allOff;
+
     auto* strip = new QHBoxLayout;
     strip->setContentsMargins(14, 8, 14, 8);
     strip->setSpacing(8);
@@ -59,6 +64,7 @@ GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorBank& bank, c
     strip->addWidget(outputPopup, 1);
     strip->addSpacing(16);
     strip->addWidget(syncPhases);
+    strip->addWidget(allOff);
 
     auto* content = new QWidget;
     auto* column = new QVBoxLayout(content);

@@ -43,6 +43,10 @@ MainMenu buildMainMenu(QMenuBar& bar) {
                                     "Load the generators from a settings file");
     menu.menuSaveSettings = addItem(file, "menuSaveSettings", "&Save Settings…", QKeySequence::Save,
                                     "Save the generators to a settings file");
+    menu.undoOpenSettings =
+        addItem(file, "undoOpenSettings", "&Undo Open Settings", QKeySequence(),
+                "Bring the generators back as they were before the last settings file was opened");
+    menu.undoOpenSettings->setEnabled(false);
     file.addSeparator();
     menu.doRecordingFileMenu =
         addItem(file, "doRecordingFileMenu", "Start &Recording…", QKeySequence(Qt::CTRL | Qt::Key_R),
@@ -66,6 +70,9 @@ MainMenu buildMainMenu(QMenuBar& bar) {
                                  "Open the waterfall");
     menu.menuWScope = addItem(tools, "menuWScope", "S&cope", QKeySequence(Qt::CTRL | Qt::Key_5),
                               "Open the two-channel oscilloscope");
+    tools.addSeparator();
+    menu.allOff = addItem(tools, "allOff", "&All Off", QKeySequence(Qt::CTRL | Qt::Key_Period),
+                          "Switch all generators and the sweep off at once");
 
     QMenu& help = *bar.addMenu("&Help");
     menu.showHelp = addItem(help, "showHelp", "Sonotrace &Manual", QKeySequence::HelpContents,

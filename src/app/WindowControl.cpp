@@ -2,6 +2,7 @@
 
 #include "app/FirstRunDefaults.h"
 #include "app/GeneratorWindow.h"
+#include "app/QuitQuestion.h"
 #include "app/Resources.h"
 #include "app/StatusLine.h"
 #include "base/SampleRate.h"
@@ -58,6 +59,8 @@ void WindowControl::awakeFromNib() {
     status_ = parts.status;
     connectMenu();
     connect(parts.syncPhases, &QAbstractButton::clicked, this, &WindowControl::syncPhases);
+    connect(parts.allOff, &QAbstractButton::clicked, this, &WindowControl::allOff);
+    guardClosing(*window_, [this] { return mayQuit(); });
 
     deleteSomeMenuItems(*window_->menuBar());
     preferences_.restoreFrame(*window_, kFrameKey);
@@ -89,7 +92,9 @@ void WindowControl::connectMenu() {
     on(menu_.menuWaterfall, &WindowControl::menuWaterfall);
     on(menu_.menuWScope, &WindowControl::menuWScope);
     on(menu_.showHelp, &WindowControl::showHelp);
-    connect(menu_.quit, &QAction::triggered, qApp, [] { QCoreApplication::exit(0); });
+    on(menu_.undoOpenSettings, &WindowControl::undoOpenSettings);
+    on(menu_.allOff, &WindowControl::allOff);
+    on(menu_.quit, &WindowControl::quit);
 }
 
 bool WindowControl::validateMenuItem(const QAction& item) const {
@@ -132,6 +137,14 @@ void WindowControl::syncPhases() {
     render_.syncPhases();
 }
 
+/// For somebody with headphones on: what is rendered next is silent.
+void WindowControl::allOff() {
+    panel_->switchAllOff();
+    panel_->poll();
+    if (sweepController_) // without it the sweep has never been on
+        sweepController_->switchOff();
+}
+
 void WindowControl::menuGenerators() {
     bringToFront(*window_);
 }
@@ -169,7 +182,7 @@ void WindowControl::openTool(std::unique_ptr<Controller>& controller, const char
 void WindowControl::HalfSecTimer() {
     panel_->poll();
     if (!recorder_.flush())
-        status_->showNotice(QString("%1 cannot be written: is the disk full?").arg(recordingName_));
+        status_->showNotice(QString("%1 cannot be written: is the disk full?").arg(recordingPath_));
     else if (recorder_.isRecording() && recorder_.lostFrames() > 0)
         status_->showNotice(lossNotice());
     else if (outcomeAwaited_)
@@ -179,41 +192,53 @@ void WindowControl::HalfSecTimer() {
 }
 
 void WindowControl::showRecordingState() {
-    status_->showRecording(recorder_.isRecording() ? recordingName_ : QString(), recorder_.seconds());
+    const QString name = QFileInfo(recordingPath_).fileName();
+    status_->showRecording(recorder_.isRecording() ? name : QString(), recorder_.seconds());
 }
 
 void WindowControl::menuSaveSettings() {
     // As it is when the user asks: what plays on while the panel is open does not change the file.
     const QByteArray block = settingsBlock(*panel_);
-    if (const auto path = askForFileToSave(window_.get(), "Settings file to save"))
+    if (const auto path =
+            askForFileToSave(window_.get(), preferences_, kSettingsFiles, "Settings file to save"))
         status_->showNotice(saveSettingsDocument(block, *path));
 }
 
 void WindowControl::menuOpenSettings() {
-    if (const auto path = askForFileToOpen(window_.get(), "Settings file to open"))
+    if (const auto path =
+            askForFileToOpen(window_.get(), preferences_, kSettingsFiles, "Settings file to open"))
         openSettings(*path);
     syncPhases();
 }
 
 void WindowControl::openSettings(const QString& path) {
+    panel_->poll(); // what was typed last is to come back as well
+    settingsBefore_ = settingsBlock(*panel_);
     status_->showNotice(openSettingsDocument(*panel_, path));
+    menu_.undoOpenSettings->setEnabled(true);
+}
+
+void WindowControl::undoOpenSettings() {
+    showSettingsBlock(*panel_, settingsBefore_);
+    syncPhases();
+    menu_.undoOpenSettings->setEnabled(false);
+    status_->showNotice("The generators are as they were before the settings were opened");
 }
 
 void WindowControl::doRecordingFileMenu() {
-    const auto path =
-        askForFileToSave(window_.get(), "Choose file to save recording to", "WAV files (*.wav *.WAV)", "wav");
-    if (path)
+    if (const auto path =
+            askForFileToSave(window_.get(), preferences_, kRecordings, "Choose file to save recording to"))
         startRecording(*path);
 }
 
 bool WindowControl::startRecording(const QString& path) {
-    recordingName_ = QFileInfo(path).fileName();
+    recordingPath_ = path;
     const bool started = recorder_.start(path.toStdU16String());
     outcomeAwaited_ = false;
     if (started)
         status_->clearNotice();
     else
-        status_->showNotice(QString("%1 cannot be created").arg(recordingName_));
+        status_->showNotice(QString("%1 cannot be created").arg(recordingPath_));
     validateMenu();
     showRecordingState();
     return started;
@@ -232,17 +257,17 @@ void WindowControl::showOutcome() {
     const std::optional<bool> whole = recorder_.outcome();
     outcomeAwaited_ = !whole;
     if (!whole)
-        status_->showNotice(QString("%1 is still being written").arg(recordingName_));
+        status_->showNotice(QString("%1 is still being written").arg(recordingPath_));
     else if (recorder_.lostFrames() > 0)
         status_->showNotice(lossNotice());
     else
-        status_->showNotice(*whole ? QString("Recorded %1").arg(recordingName_)
-                                   : QString("%1 could not be written completely").arg(recordingName_));
+        status_->showNotice(*whole ? QString("Recorded %1").arg(recordingPath_)
+                                   : QString("%1 could not be written completely").arg(recordingPath_));
 }
 
 QString WindowControl::lossNotice() const {
     const double seconds = static_cast<double>(recorder_.lostFrames()) / kSampleRate;
-    return QString("%1 lacks %2 s: the disk was too slow").arg(recordingName_).arg(seconds, 0, 'f', 1);
+    return QString("%1 lacks %2 s: the disk was too slow").arg(recordingPath_).arg(seconds, 0, 'f', 1);
 }
 
 void WindowControl::showHelp() {
@@ -250,6 +275,20 @@ void WindowControl::showHelp() {
     if (manual.isEmpty() || !QDesktopServices::openUrl(QUrl::fromLocalFile(manual)))
         status_->showNotice(manual.isEmpty() ? "The manual is not installed"
                                              : QString("No document viewer opens %1").arg(manual));
+}
+
+bool WindowControl::mayQuit() {
+    if (!recorder_.isRecording())
+        return true;
+    const QuitAnswer answer = askHowToQuit(*window_, recordingPath_);
+    if (answer == QuitAnswer::StopRecordingAndQuit)
+        doStopRecordingFileMenu();
+    return answer != QuitAnswer::Cancel;
+}
+
+void WindowControl::quit() {
+    if (mayQuit())
+        QCoreApplication::exit(0);
 }
 
 void WindowControl::applicationWillTerminate() {

@@ -12,6 +12,7 @@
 #include "widgets/Preferences.h"
 #include "widgets/QtRunLoop.h"
 
+#include <QByteArray>
 #include <QObject>
 #include <QTimer>
 
@@ -45,6 +46,9 @@ public:
     /// Writes the state of the generator window into the preferences.
     void applicationWillTerminate();
 
+    /// Whether the program may quit now: while a recording runs the user is asked, and may have it stopped.
+    bool mayQuit();
+
     /// Opens a settings file without asking; what cannot be read counts as zeros and is said in the status
     /// bar.
     void openSettings(const QString& path);
@@ -68,6 +72,9 @@ public Q_SLOTS:
     void showHelp();
     void doInputDevice();
     void syncPhases();
+    void allOff();
+    void undoOpenSettings();
+    void quit();
     void HalfSecTimer();
 
 private:
@@ -103,7 +110,8 @@ private:
     QComboBox* outputPopup_ = nullptr;
     StatusLine* status_ = nullptr;
     QTimer ourTimer_;
-    QString recordingName_;
+    QString recordingPath_;
+    QByteArray settingsBefore_;   ///< the last file was opened
     bool outcomeAwaited_ = false; ///< of the recording that was stopped
 
     QtRunLoop runLoop_;

@@ -104,6 +104,15 @@ void SweepController::showWindow() {
     systemLog("- (void)showWindow");
 }
 
+void SweepController::switchOff() {
+    const bool running = parameters_.enabled.load(kRelaxed) != 0; // a one-shot pass does not tick the box
+    if (!running && !ui_->enabledCheck->isChecked())
+        return;
+    ui_->enabledCheck->setChecked(false);
+    doEnabled();
+    showState();
+}
+
 void SweepController::doStartFreq() {
     systemLog("doStartFreq");
     parameters_.startFrequency.store(ui_->startFreq->doubleValue(), kRelaxed);

@@ -11,6 +11,7 @@
 #include <QScreen>
 #include <QStandardPaths>
 #include <QStringList>
+#include <QUrl>
 #include <QWidget>
 
 #include <algorithm>
@@ -54,6 +55,10 @@ std::int32_t Preferences::integerValue(const QString& key) const {
     return truncateToInt32(doubleValue(key));
 }
 
+QString Preferences::folder(const QString& key) const {
+    return QUrl(values_.value(key), QUrl::StrictMode).toLocalFile();
+}
+
 void Preferences::setFloat(const QString& key, double value) {
     // What no float can hold comes back as the largest one: the text of an infinity would be read as 0.
     constexpr double kMost = std::numeric_limits<float>::max();
@@ -66,6 +71,11 @@ void Preferences::setDouble(const QString& key, double value) {
 
 void Preferences::setInteger(const QString& key, std::int32_t value) {
     set(key, QString::number(value));
+}
+
+void Preferences::setFolder(const QString& key, const QString& path) {
+    // A name may hold what ends or trims a line.
+    set(key, QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded));
 }
 
 QRect Preferences::frame(const QString& key) const {

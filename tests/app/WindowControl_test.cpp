@@ -8,6 +8,7 @@
 #include <QAction>
 #include <QFile>
 #include <QMainWindow>
+#include <QMessageBox>
 
 #include <gtest/gtest.h>
 
@@ -63,6 +64,16 @@ protected:
         system_->advance(5000);
         control_->doStopRecordingFileMenu();
         return contents(path("phase.wav")).mid(44);
+    }
+
+    /// Presses a button of the next message box.
+    void answerQuestion(const QString& button) {
+        QTimer::singleShot(0, window_, [button] {
+            const auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(box);
+            const auto buttons = box->buttons();
+            (*std::ranges::find(buttons, button, &QAbstractButton::text))->click();
+        });
     }
 
     std::unique_ptr<DeviceListSystem> system_;
@@ -123,20 +134,20 @@ TEST_F(WindowControlTest, TheMenuStartsAndStopsARecordingAndTheStatusBarSaysHowI
     EXPECT_EQ(chooseFile("doRecordingFileMenu", QString()), "Choose file to save recording to");
     EXPECT_TRUE(start.isEnabled() && !stop.isEnabled());
     EXPECT_FALSE(control_->startRecording(path("no folder/take.wav")));
-    EXPECT_EQ(notice(), "take.wav cannot be created");
+    EXPECT_EQ(notice(), path("no folder/take.wav") + " cannot be created");
     EXPECT_TRUE(control_->startRecording("/dev/full"));
     EXPECT_TRUE(!start.isEnabled() && stop.isEnabled());
     system_->advance(44100);
     control_->HalfSecTimer();
-    EXPECT_EQ(notice(), "full cannot be written: is the disk full?");
+    EXPECT_EQ(notice(), "/dev/full cannot be written: is the disk full?");
     stop.trigger();
-    EXPECT_EQ(notice(), "full could not be written completely");
+    EXPECT_EQ(notice(), "/dev/full could not be written completely");
     chooseFile("doRecordingFileMenu", path("take"));
     system_->advance(4 * 44100);
     control_->HalfSecTimer();
     EXPECT_EQ(text("recordingLabel") + notice(), "● Recording take.wav  0:04");
     stop.trigger();
-    EXPECT_EQ(text("recordingLabel") + notice(), "Recorded take.wav");
+    EXPECT_EQ(text("recordingLabel") + notice(), "Recorded " + path("take.wav"));
 }
 
 TEST_F(WindowControlTest, PhasesStartAgainFromTheButtonAndWithOpenedSettingsTheSweepsToo) {
@@ -152,6 +163,46 @@ TEST_F(WindowControlTest, PhasesStartAgainFromTheButtonAndWithOpenedSettingsTheS
     EXPECT_EQ(record(), first) << "even when it is cancelled";
 }
 
+TEST_F(WindowControlTest, AllOffSilencesWhatIsRenderedNextFromAnyWindow) {
+    writePreferences("Freq0=997.3\nVolL0=1\nEnabled0=1\n"
+                     "sweepEnd=9000\nsweepRate=1\nsweepAmplitudeRight=1\nsweepRightEnabled=1\n");
+    launch();
+    control_->allOff();
+    EXPECT_EQ(record(), QByteArray(20000, 0)) << "without a sweep window";
+    click("enabled0");
+    QWidget& sweep = open("Sweep");
+    findControl<QAbstractButton>(sweep, "oneShot").click(); // runs, and is not ticked
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&sweep));
+    testing::internal::CaptureStderr();
+    QTest::keyClick(&sweep, Qt::Key_Period, Qt::ControlModifier);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "doEnabled\n");
+    EXPECT_EQ(record(), QByteArray(20000, 0));
+    EXPECT_FALSE(find<QAbstractButton>("enabled0").isChecked());
+}
+
+TEST_F(WindowControlTest, QuittingWhileARecordingRunsAsksUnlessTheSessionEnds) {
+    launch();
+    const auto close = [&](const char* answer) {
+        EXPECT_TRUE(control_->startRecording(path("take.wav")));
+        system_->advance(5000);
+        window_->show();
+        answerQuestion(answer);
+        const bool closed = window_->close();
+        return std::pair(closed, find<QAction>("doStopRecordingFileMenu").isEnabled());
+    };
+    EXPECT_EQ(close("Cancel"), std::pair(false, true));
+    EXPECT_EQ(close("&Quit"), std::pair(true, true));
+    EXPECT_EQ(close("&Stop Recording and Quit"), std::pair(true, false));
+    EXPECT_EQ(contents(path("take.wav")).mid(40, 4).toHex(), "60ea0000") << "all three, as ever";
+    EXPECT_TRUE(control_->startRecording(path("take.wav")));
+    window_->show();
+    QTimer::singleShot(0, qApp, [] {
+        QEvent quit(QEvent::Quit);
+        QCoreApplication::sendEvent(qApp, &quit);
+    });
+    EXPECT_EQ(QApplication::exec(), 0) << "nobody answers";
+}
+
 TEST_F(WindowControlTest, ASettingsFileIsTakenAsItIsWrittenExactlyAndClampedByTheNextPoll) {
     launch();
     SettingsOfAll wild{};
@@ -159,20 +210,27 @@ TEST_F(WindowControlTest, ASettingsFileIsTakenAsItIsWrittenExactlyAndClampedByTh
     wild[1] = {1000.123456789012, 0, 0, 1, 3, 1};
     const auto block = encodeSettingsFile(wild);
     const std::string bytes(reinterpret_cast<const char*>(block.data()), 4000);
-    std::ofstream(path("wild").toStdString()) << bytes;
+    std::ofstream(path("wild").toStdString()) << bytes << "...";
     EXPECT_EQ(chooseFile("menuOpenSettings", path("wild")), "Settings file to open");
-    EXPECT_EQ(notice(), "Settings opened from wild");
+    EXPECT_EQ(notice(),
+              "Settings opened from " + path("wild") + " (3 bytes too long: perhaps no settings file)");
     EXPECT_EQ(chooseFile("menuSaveSettings", path("copy")), "Settings file to save");
-    EXPECT_EQ(notice(), "Settings saved to copy");
+    EXPECT_EQ(notice(), "Settings saved to " + path("copy"));
     EXPECT_TRUE(contents(path("copy")).toStdString() == bytes);
     control_->HalfSecTimer();
     EXPECT_EQ(slot(0).frequency, 22000);
     EXPECT_EQ(slot(1).frequency, 1000.123456789012) << "the field shows all of it";
     control_->openSettings(path("not there"));
-    EXPECT_EQ(notice(), "not there cannot be read: no such file");
+    EXPECT_EQ(notice(), path("not there") + " cannot be read: no such file");
     const std::ofstream empty(path("empty").toStdString());
+    type("frequency1", "777");
     control_->openSettings(path("empty"));
-    EXPECT_EQ(notice(), "empty is too short for a settings file: the rest counts as zero");
+    EXPECT_EQ(notice(),
+              path("empty") + " is too short for a settings file: the rest counts as zero (0 bytes of 4000)");
+    auto& undo = find<QAction>("undoOpenSettings");
+    undo.trigger();
+    EXPECT_EQ(slot(1).frequency, 777) << "also what was typed last";
+    EXPECT_FALSE(undo.isEnabled());
 }
 
 TEST_F(WindowControlTest, WhatAllWindowsKeepComesBackAndAnyFileIsSurvived) {
