@@ -73,6 +73,8 @@ MainMenu buildMainMenu(QMenuBar& bar) {
     tools.addSeparator();
     menu.allOff = addItem(tools, "allOff", "&All Off", QKeySequence(Qt::CTRL | Qt::Key_Period),
                           "Switch all generators and the sweep off at once");
+    menu.refreshDevices = addItem(tools, "refreshDevices", "Refresh &Devices", QKeySequence::Refresh,
+                                  "List the devices anew in all windows; what plays or listens goes on");
 
     QMenu& help = *bar.addMenu("&Help");
     menu.showHelp = addItem(help, "showHelp", "Sonotrace &Manual", QKeySequence::HelpContents,

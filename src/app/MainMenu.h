@@ -23,6 +23,7 @@ struct MainMenu {
     QAction* menuWaterfall;
     QAction* menuWScope;
     QAction* allOff;
+    QAction* refreshDevices;
     QAction* showHelp;
 };
 

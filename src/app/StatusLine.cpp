@@ -3,20 +3,23 @@
 #include "widgets/PlainLabel.h"
 #include "widgets/StreamText.h"
 
+#include <QBoxLayout>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace sonotrace {
 
 namespace {
 
-QLabel* addLabel(QStatusBar& bar, const char* name, const QString& description, int stretch) {
-    auto* label = new QLabel(&bar);
+QLabel* newLabel(const char* name, const QString& description) {
+    auto* label = new QLabel;
     label->setObjectName(name);
     label->setAccessibleName(description);
     label->setToolTip(description);
+    label->setWordWrap(true);
+    label->setMinimumHeight(label->fontMetrics().height()); // an empty one keeps its row
     // A long name must not widen the window.
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    bar.addPermanentWidget(label, stretch);
     return label;
 }
 
@@ -30,10 +33,19 @@ QString minutes(double seconds) {
 StatusLine::StatusLine(QStatusBar& bar, const QString& soundSystem)
     : QObject(&bar),
       soundSystem_(soundSystem),
-      notice_(addLabel(bar, "noticeLabel", "Notices", 3)),
-      recording_(addLabel(bar, "recordingLabel", "Recording", 3)),
-      output_(addLabel(bar, "outputLabel", "Sound system and output device", 4)) {
-    output_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+      notice_(newLabel("noticeLabel", "Notices")),
+      recording_(newLabel("recordingLabel", "Recording")),
+      output_(newLabel("outputLabel", "Sound system and output device")) {
+    auto* rows = new QWidget;
+    auto* column = new QVBoxLayout(rows);
+    column->setContentsMargins(8, 0, 0, 0);
+    column->setSpacing(2);
+    column->addWidget(output_);
+    auto* row = new QHBoxLayout;
+    column->addLayout(row);
+    row->addWidget(recording_, 1);
+    row->addWidget(notice_, 2);
+    bar.addPermanentWidget(rows, 1);
 }
 
 void StatusLine::showOutput(const QueueState& state) {
@@ -41,12 +53,21 @@ void StatusLine::showOutput(const QueueState& state) {
 }
 
 void StatusLine::showRecording(const QString& file, double seconds) {
+    recording_->setVisible(!file.isEmpty());
     showPlainly(*recording_,
                 file.isEmpty() ? QString() : QString("● Recording %1  %2").arg(file, minutes(seconds)));
 }
 
 void StatusLine::showNotice(const QString& text) {
     showPlainly(*notice_, text);
+}
+
+void StatusLine::showNotice(const QString& text, std::chrono::milliseconds duration) {
+    showNotice(text);
+    QTimer::singleShot(duration, this, [this, text] {
+        if (notice_->text() == text)
+            clearNotice();
+    });
 }
 
 } // namespace sonotrace

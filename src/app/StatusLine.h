@@ -5,12 +5,15 @@
 #include <QObject>
 #include <QString>
 
+#include <chrono>
+
 class QLabel;
 class QStatusBar;
 
 namespace sonotrace {
 
-/// The generator window's status bar: what plays and where, the running recording, and what went wrong last.
+/// The generator window's status bar: what plays and where, and under it the running recording and what went
+/// wrong last. It grows where the window is too narrow for a text.
 class StatusLine : public QObject {
     Q_OBJECT
 
@@ -24,6 +27,7 @@ public:
 
     /// Something the user should know; stays until the next notice or clearNotice().
     void showNotice(const QString& text);
+    void showNotice(const QString& text, std::chrono::milliseconds duration);
     void clearNotice() { showNotice(QString()); }
 
 private:

@@ -32,6 +32,7 @@ namespace {
 constexpr auto kFrameKey = "GENERATOR_WINDOW_FRAME";
 constexpr auto kOutputKey = "MAIN_outputPopup";
 constexpr int kHalfSecond = 500; // ms
+constexpr std::chrono::seconds kSomeSeconds{4};
 
 void bringToFront(QWidget& window) {
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
@@ -94,6 +95,7 @@ void WindowControl::connectMenu() {
     on(menu_.showHelp, &WindowControl::showHelp);
     on(menu_.undoOpenSettings, &WindowControl::undoOpenSettings);
     on(menu_.allOff, &WindowControl::allOff);
+    on(menu_.refreshDevices, &WindowControl::refreshDevices);
     on(menu_.quit, &WindowControl::quit);
 }
 
@@ -127,10 +129,24 @@ void WindowControl::stopSound() {
     output_.stopSound();
 }
 
+/// The streams go on.
+void WindowControl::refreshDevices() {
+    devices_ = AudioDeviceTable(); // what is appended to an old one's maps would not be found
+    GetSoundDevices();
+    SetSoundDevices();
+    const auto position = [this](const std::string& uid) { return devices_.outputPosition(uid); };
+    const QString trouble = selectDeviceInUse(*outputPopup_, position, output_.chosen(), output_.state());
+    if (!trouble.isEmpty())
+        status_->showNotice(trouble);
+    for (ToolController* tool : tools_)
+        tool->refreshDevices();
+}
+
 void WindowControl::doInputDevice() {
     stopSound();
     startSound();
-    status_->showOutput(output_.state());
+    return_ = DeviceReturn();
+    showOutput();
 }
 
 void WindowControl::syncPhases() {
@@ -174,6 +190,7 @@ void WindowControl::openTool(std::unique_ptr<Controller>& controller, const char
     }
     controller = std::make_unique<Controller>(arguments...);
     controller->awakeFromNib();
+    tools_.push_back(controller.get());
     connect(qApp, &QCoreApplication::aboutToQuit, controller.get(), &Controller::applicationWillTerminate);
     bringToFront(controller->window());
     systemLog("%s: %s", name, controller->metaObject()->className());
@@ -188,7 +205,19 @@ void WindowControl::HalfSecTimer() {
     else if (outcomeAwaited_)
         showOutcome();
     showRecordingState();
-    status_->showOutput(output_.state());
+    showOutput();
+}
+
+void WindowControl::showOutput() {
+    const QueueState state = output_.state();
+    status_->showOutput(state);
+    if (!return_.isReturn(state))
+        return;
+    if (devices_.outputPosition(output_.chosen().uid) != outputPopup_->currentIndex())
+        refreshDevices(); // its list was built while the device was away
+    status_->showNotice(
+        QString("%1 is back and played on again").arg(QString::fromStdString(state.deviceName)),
+        kSomeSeconds);
 }
 
 void WindowControl::showRecordingState() {

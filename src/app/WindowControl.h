@@ -9,6 +9,7 @@
 #include "generator/SweepParameters.h"
 #include "generator/WavRecorder.h"
 #include "platform/SoundSystem.h"
+#include "widgets/DeviceInUse.h"
 #include "widgets/Preferences.h"
 #include "widgets/QtRunLoop.h"
 
@@ -17,6 +18,7 @@
 #include <QTimer>
 
 #include <memory>
+#include <vector>
 
 class QComboBox;
 class QMainWindow;
@@ -28,6 +30,7 @@ class ScopeController;
 class SpectrumController;
 class StatusLine;
 class SweepController;
+class ToolController;
 class WaterfallController;
 
 /// The main controller: owns the generator window, the generators and their output stream, creates the tool
@@ -73,6 +76,7 @@ public Q_SLOTS:
     void doInputDevice();
     void syncPhases();
     void allOff();
+    void refreshDevices();
     void undoOpenSettings();
     void quit();
     void HalfSecTimer();
@@ -85,6 +89,7 @@ private:
     void SetSoundDevices();
     void startSound();
     void stopSound();
+    void showOutput();
     void showRecordingState();
     void showOutcome();
     QString lossNotice() const;
@@ -111,7 +116,8 @@ private:
     StatusLine* status_ = nullptr;
     QTimer ourTimer_;
     QString recordingPath_;
-    QByteArray settingsBefore_;   ///< the last file was opened
+    QByteArray settingsBefore_; ///< the last file was opened
+    DeviceReturn return_;
     bool outcomeAwaited_ = false; ///< of the recording that was stopped
 
     QtRunLoop runLoop_;
@@ -119,6 +125,7 @@ private:
     std::unique_ptr<SpectrumController> spectrumController_;
     std::unique_ptr<WaterfallController> waterfallController_;
     std::unique_ptr<ScopeController> scopeController_;
+    std::vector<ToolController*> tools_; ///< those that there are
 };
 
 } // namespace sonotrace

@@ -18,6 +18,9 @@ public:
     /// Writes what is kept into the preferences.
     void applicationWillTerminate() { stored_.store(); }
 
+    /// Builds the list of devices anew, where the window has one.
+    virtual void refreshDevices() {}
+
     QWidget& window() { return window_; }
 
 protected:

@@ -127,6 +127,31 @@ TEST_F(WindowControlTest, AnotherOutputDeviceIsPlayedOnAtOnce) {
     EXPECT_EQ(record().size(), 20000) << "the stream runs again";
 }
 
+TEST_F(WindowControlTest, RefreshedListsShowTheDevicesInUseAndTheStreamsGoOn) {
+    launch();
+    choose("outputPopup", 1);
+    const QWidget& spectrum = open("Spectrum");
+    const auto refresh = [&](const std::vector<const char*>& names) {
+        std::vector<DeviceDescription> devices;
+        for (const char* name : names)
+            devices.push_back(device(static_cast<AudioDeviceID>(devices.size() + 1), name, 2, 2));
+        system_->setDevices(devices);
+        testing::internal::CaptureStderr();
+        find<QAction>("refreshDevices").trigger();
+        const std::string log = testing::internal::GetCapturedStderr();
+        EXPECT_TRUE(log.ends_with("INPUT AudioDeviceID(" + std::to_string(names.size() - 1) +
+                                  ") status 0 mNumberChannels 2\n"));
+        EXPECT_EQ(log.find("Stop Sound"), std::string::npos);
+        return std::pair(find<QComboBox>("outputPopup").currentText(),
+                         findControl<QComboBox>(spectrum, "inputPopup").currentText());
+    };
+    EXPECT_EQ(refresh({"New", "Line", "Speaker"}), std::pair(QString("Line"), QString("Speaker")));
+    EXPECT_EQ(refresh({"New", "Speaker"}), std::pair(QString(), QString("Speaker")));
+    EXPECT_EQ(notice(), "Line is gone");
+    EXPECT_EQ(record().size(), 20000);
+    EXPECT_EQ(refresh({"Speaker", "Line"}), std::pair(QString("Line"), QString("Speaker")));
+}
+
 TEST_F(WindowControlTest, TheMenuStartsAndStopsARecordingAndTheStatusBarSaysHowItGoes) {
     launch();
     auto& start = find<QAction>("doRecordingFileMenu");
