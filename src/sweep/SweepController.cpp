@@ -97,6 +97,7 @@ void SweepController::follow(const RealSlider& slider, QLabel& readout) {
 
 void SweepController::showState() {
     ui_->sweepState->setText(describeSweep(parameters_));
+    ui_->sweepPass->setText(describePass(parameters_));
     ui_->rateUnit->setText(ui_->logSweep->isChecked() ? logRateUnit() : "Hz/s");
 }
 
