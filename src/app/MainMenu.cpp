@@ -75,10 +75,15 @@ MainMenu buildMainMenu(QMenuBar& bar) {
                           "Switch all generators and the sweep off at once");
     menu.refreshDevices = addItem(tools, "refreshDevices", "Refresh &Devices", QKeySequence::Refresh,
                                   "List the devices anew in all windows; what plays or listens goes on");
+    menu.arrangeWindows = addItem(tools, "arrangeWindows", "A&rrange Windows", QKeySequence(),
+                                  "Lay the open windows side by side on this window's screen");
 
     QMenu& help = *bar.addMenu("&Help");
     menu.showHelp = addItem(help, "showHelp", "Sonotrace &Manual", QKeySequence::HelpContents,
                             "Open the manual in the document viewer");
+    menu.about = addItem(help, "about", "&About Sonotrace", QKeySequence(),
+                         "Version, licence, and what to attach to a report of a fault");
+    menu.about->setMenuRole(QAction::AboutRole);
     return menu;
 }
 

@@ -24,7 +24,9 @@ struct MainMenu {
     QAction* menuWScope;
     QAction* allOff;
     QAction* refreshDevices;
+    QAction* arrangeWindows;
     QAction* showHelp;
+    QAction* about;
 };
 
 /// Fills an empty menu bar.

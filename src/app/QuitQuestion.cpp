@@ -40,9 +40,8 @@ QuitAnswer askHowToQuit(QWidget& window, const QString& path) {
     question.setObjectName("quitQuestion");
     question.setIcon(QMessageBox::Question);
     question.setTextFormat(Qt::PlainText);
-    question.setText("A recording runs.");
-    question.setInformativeText(
-        QString("Without being stopped it is left without its length:\n%1").arg(path));
+    question.setText(
+        QString("A recording runs. Without being stopped it is left without its length:\n%1").arg(path));
     const auto* stop = question.addButton("&Stop Recording and Quit", QMessageBox::AcceptRole);
     const auto* quit = question.addButton("&Quit", QMessageBox::DestructiveRole);
     question.addButton(QMessageBox::Cancel);

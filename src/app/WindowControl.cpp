@@ -1,10 +1,12 @@
 #include "app/WindowControl.h"
 
+#include "app/About.h"
 #include "app/FirstRunDefaults.h"
 #include "app/GeneratorWindow.h"
 #include "app/QuitQuestion.h"
 #include "app/Resources.h"
 #include "app/StatusLine.h"
+#include "app/WindowArrangement.h"
 #include "base/SampleRate.h"
 #include "base/SystemLog.h"
 #include "generator/GeneratorPanel.h"
@@ -16,6 +18,7 @@
 #include "waterfall/WaterfallController.h"
 #include "widgets/FilePanels.h"
 #include "widgets/PopUp.h"
+#include "widgets/StreamText.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -24,6 +27,7 @@
 #include <QFileInfo>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QScreen>
 #include <QUrl>
 
 namespace sonotrace {
@@ -93,9 +97,13 @@ void WindowControl::connectMenu() {
     on(menu_.menuWaterfall, &WindowControl::menuWaterfall);
     on(menu_.menuWScope, &WindowControl::menuWScope);
     on(menu_.showHelp, &WindowControl::showHelp);
+    connect(menu_.about, &QAction::triggered, this, [this] {
+        showAbout(*window_, QString::fromStdString(system_.name()), describeStream(output_.state()));
+    });
     on(menu_.undoOpenSettings, &WindowControl::undoOpenSettings);
     on(menu_.allOff, &WindowControl::allOff);
     on(menu_.refreshDevices, &WindowControl::refreshDevices);
+    on(menu_.arrangeWindows, &WindowControl::arrangeOpenWindows);
     on(menu_.quit, &WindowControl::quit);
 }
 
@@ -140,6 +148,15 @@ void WindowControl::refreshDevices() {
         status_->showNotice(trouble);
     for (ToolController* tool : tools_)
         tool->refreshDevices();
+}
+
+void WindowControl::arrangeOpenWindows() {
+    QList<QWidget*> open{window_.get()};
+    for (ToolController* tool : tools_) {
+        if (tool->window().isVisible() && !tool->window().isMinimized())
+            open.append(&tool->window());
+    }
+    arrangeWindows(open, window_->screen()->availableGeometry());
 }
 
 void WindowControl::doInputDevice() {

@@ -77,6 +77,7 @@ public Q_SLOTS:
     void syncPhases();
     void allOff();
     void refreshDevices();
+    void arrangeOpenWindows();
     void undoOpenSettings();
     void quit();
     void HalfSecTimer();

@@ -32,7 +32,7 @@ public:
     void setFolder(const QString& key, const QString& path);
 
     /// Window frames are kept as "x y width height". Restoring leaves the frame alone when the key holds
-    /// nothing sensible or lies off every screen.
+    /// nothing sensible or lies off every screen. In any case the window then fits its screen.
     void restoreFrame(QWidget& window, const QString& key) const;
     void setFrame(const QWidget& window, const QString& key);
 

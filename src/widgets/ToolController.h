@@ -5,6 +5,7 @@
 
 #include <QLabel>
 #include <QObject>
+#include <QShortcut>
 #include <QWidget>
 
 #include <initializer_list>
@@ -28,6 +29,7 @@ protected:
     ToolController(Preferences& preferences, const char* frameKey) : stored_(preferences, window_, frameKey) {
         systemLog("- (void)init");
         window_.setAttribute(Qt::WA_QuitOnClose, false);
+        new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), &window_, &window_, &QWidget::close);
     }
 
     /// The layout file holds the labels' longest texts: with room for them the sliders beside them do not

@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QMainWindow>
 #include <QMessageBox>
+#include <QScreen>
 
 #include <gtest/gtest.h>
 
@@ -116,6 +117,23 @@ TEST_F(WindowControlTest, TheMenuOpensEveryToolOnceAndThenBringsItToTheFront) {
         const auto* status = tool.findChild<QLabel*>("inputStatus"); // the sweep has none
         EXPECT_TRUE(!status || status->text() == "There is no input device") << name;
     }
+    find<QAction>("about").trigger();
+    const auto& about = find<QMessageBox>("about");
+    EXPECT_TRUE(about.text().contains("Loopback, on Built-in Loopback\n")) << about.text().toStdString();
+    EXPECT_EQ(about.textFormat(), Qt::PlainText);
+}
+
+TEST_F(WindowControlTest, WindowsFitTheScreenSideBySideAndCloseWithAKey) {
+    launch();
+    const QRect area = window_->screen()->availableGeometry(); // 800 x 800
+    QWidget& spectrum = open("Spectrum");
+    EXPECT_EQ(spectrum.size().boundedTo(area.size()), spectrum.size()) << "was 960 wide";
+    find<QAction>("arrangeWindows").trigger();
+    EXPECT_TRUE(area.contains(window_->frameGeometry()) && area.contains(spectrum.frameGeometry()));
+    EXPECT_FALSE(window_->frameGeometry().intersects(spectrum.frameGeometry()));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&spectrum));
+    QTest::keyClick(&spectrum, Qt::Key_W, Qt::ControlModifier);
+    EXPECT_TRUE(!spectrum.isVisible() && window_->isVisible());
 }
 
 TEST_F(WindowControlTest, AnotherOutputDeviceIsPlayedOnAtOnce) {
@@ -280,7 +298,7 @@ TEST_F(WindowControlTest, WhatAllWindowsKeepComesBackAndAnyFileIsSurvived) {
            Enabled0=12345678901234>Enabled0=0, MAIN_outputPopup=77>MAIN_outputPopup=0,
            waterfallEndingFreq=0, waterfallGain=2, fftSizeLog2=-30>fftSizeLog2=7,
            SCOPE_range1Text=-1e300>SCOPE_range1Text=-2, SCOPE_polarity1Button=256>SCOPE_polarity1Button=0,
-           GENERATOR_WINDOW_FRAME=2147483647 -99999 2147483647 2000000000>GENERATOR_WINDOW_FRAME=0 0 800 800)",
+           GENERATOR_WINDOW_FRAME=2147483647 -99999 2147483647 2000000000>GENERATOR_WINDOW_FRAME=0 0 800 760)",
         "Phase3=90, Enabled2=1, \u00ff garbage>Freq12=2200, [[[>VolR12=1, =>Freq0=1000, %%%>sweepEnd=20000"};
     for (const char* const file : files) {
         QString found;
