@@ -75,6 +75,10 @@ MainMenu buildMainMenu(QMenuBar& bar) {
                           "Switch all generators and the sweep off at once");
     menu.refreshDevices = addItem(tools, "refreshDevices", "Refresh &Devices", QKeySequence::Refresh,
                                   "List the devices anew in all windows; what plays or listens goes on");
+    menu.restoreInputVolumes =
+        addItem(tools, "restoreInputVolumes", "Restore &Input Volumes at Quit", QKeySequence(),
+                "At the end, give the inputs the volumes back that they had before Sonotrace set them");
+    menu.restoreInputVolumes->setCheckable(true);
     menu.arrangeWindows = addItem(tools, "arrangeWindows", "A&rrange Windows", QKeySequence(),
                                   "Lay the open windows side by side on this window's screen");
 

@@ -24,6 +24,7 @@ struct MainMenu {
     QAction* menuWScope;
     QAction* allOff;
     QAction* refreshDevices;
+    QAction* restoreInputVolumes; ///< can be ticked
     QAction* arrangeWindows;
     QAction* showHelp;
     QAction* about;

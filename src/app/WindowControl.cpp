@@ -35,6 +35,7 @@ namespace sonotrace {
 namespace {
 constexpr auto kFrameKey = "GENERATOR_WINDOW_FRAME";
 constexpr auto kOutputKey = "MAIN_outputPopup";
+constexpr auto kRestoreKey = "MAIN_restoreInputVolumes";
 constexpr int kHalfSecond = 500; // ms
 constexpr std::chrono::seconds kSomeSeconds{4};
 
@@ -79,6 +80,7 @@ void WindowControl::awakeFromNib() {
     connect(outputPopup_, &QComboBox::activated, this, &WindowControl::doInputDevice);
     startSound();
     connect(qApp, &QCoreApplication::aboutToQuit, this, &WindowControl::applicationWillTerminate);
+    menu_.restoreInputVolumes->setChecked(preferences_.integerValue(kRestoreKey) != 0);
     menuGenerators();
     connect(&ourTimer_, &QTimer::timeout, this, &WindowControl::HalfSecTimer);
     ourTimer_.start(kHalfSecond);
@@ -104,6 +106,8 @@ void WindowControl::connectMenu() {
     on(menu_.allOff, &WindowControl::allOff);
     on(menu_.refreshDevices, &WindowControl::refreshDevices);
     on(menu_.arrangeWindows, &WindowControl::arrangeOpenWindows);
+    connect(menu_.restoreInputVolumes, &QAction::triggered, this,
+            [this](bool restore) { preferences_.setInteger(kRestoreKey, restore ? 1 : 0); });
     on(menu_.quit, &WindowControl::quit);
 }
 
@@ -342,6 +346,8 @@ void WindowControl::applicationWillTerminate() {
         saveGeneratorSlot(preferences_, slot, panel_->slotSettings(slot));
     preferences_.setInteger(kOutputKey, outputPopup_->currentIndex());
     preferences_.setFrame(*window_, kFrameKey);
+    if (menu_.restoreInputVolumes->isChecked() && system_.restoreInputVolumes() != kNoError)
+        systemLog("The input volumes cannot be put back");
     if (!preferences_.synchronise())
         systemLog("The preferences cannot be written");
     if (const auto underruns = output_.state().underruns; underruns > 0)

@@ -280,7 +280,7 @@ TEST_F(WindowControlTest, WhatAllWindowsKeepComesBackAndAnyFileIsSurvived) {
     // What is found, and after a > what is left behind when that is something else. The last is a first run.
     const char* const files[] = {
         R"(Freq7=1000.1, Phase7=-45.5, VolL7=0.333, VolR7=0.25, GenType7=3, Enabled7=1, MAIN_outputPopup=1,
-           GENERATOR_WINDOW_FRAME=10 20 700 580, sweepStart=1000.1, sweepEnd=2000.2, sweepRate=-3.25,
+           MAIN_restoreInputVolumes=1, GENERATOR_WINDOW_FRAME=10 20 700 580, sweepStart=1000.1, sweepEnd=2000.2, sweepRate=-3.25,
            sweepAmplitudeLeft=0.333, sweepAmplitudeRight=0.25, sweepEnabled=1, sweepLeftEnabled=1,
            sweepRightEnabled=1, sweepReverse=1, sweepLog=1, SWEEP_WINDOW_FRAME=11 21 700 480,
            spectrumStartFreq=123.5, spectrumEndFreq=9000.5, spectrumNumAvg=7, spectrumFillCheckbox=1,
@@ -315,6 +315,9 @@ TEST_F(WindowControlTest, WhatAllWindowsKeepComesBackAndAnyFileIsSurvived) {
         QTest::qWait(100);
         QMetaObject::invokeMethod(qApp, "aboutToQuit");
         const QString stored = contents(Preferences::defaultPath());
+        float volume = 0;
+        system_->getInputVolume(1, 1, volume);
+        EXPECT_EQ(volume == 1.0F, stored.contains("restoreInputVolumes=1")) << volume;
         for (const QString& line : left)
             EXPECT_TRUE(stored.contains('\n' + line + '\n')) << line.toStdString();
     }
