@@ -11,7 +11,6 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QScrollArea>
-#include <QStatusBar>
 #include <QVBoxLayout>
 
 namespace sonotrace {
@@ -72,11 +71,12 @@ GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorBank& bank, c
     column->setSpacing(0);
     column->addWidget(scrolled(parts.panel), 1);
     column->addLayout(strip);
+    parts.status = new StatusLine(soundSystem);
+    column->addWidget(parts.status);
     window.setCentralWidget(content);
 
-    parts.status = new StatusLine(*window.statusBar(), soundSystem);
     const QSize chrome = QSize(2, window.menuBar()->sizeHint().height() + strip->sizeHint().height() +
-                                      window.statusBar()->sizeHint().height() + 2);
+                                      parts.status->sizeHint().height() + 2);
     window.resize(parts.panel->size() + chrome);
     return parts;
 }

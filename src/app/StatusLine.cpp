@@ -4,7 +4,6 @@
 #include "widgets/StreamText.h"
 
 #include <QBoxLayout>
-#include <QStatusBar>
 #include <QTimer>
 
 namespace sonotrace {
@@ -30,22 +29,20 @@ QString minutes(double seconds) {
 
 } // namespace
 
-StatusLine::StatusLine(QStatusBar& bar, const QString& soundSystem)
-    : QObject(&bar),
-      soundSystem_(soundSystem),
+StatusLine::StatusLine(const QString& soundSystem)
+    : soundSystem_(soundSystem),
       notice_(newLabel("noticeLabel", "Notices")),
       recording_(newLabel("recordingLabel", "Recording")),
       output_(newLabel("outputLabel", "Sound system and output device")) {
-    auto* rows = new QWidget;
-    auto* column = new QVBoxLayout(rows);
-    column->setContentsMargins(8, 0, 0, 0);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(14, 0, 14, 8);
     column->setSpacing(2);
     column->addWidget(output_);
     auto* row = new QHBoxLayout;
     column->addLayout(row);
     row->addWidget(recording_, 1);
-    row->addWidget(notice_, 2);
-    bar.addPermanentWidget(rows, 1);
+    row->addWidget(notice_, 1);
+    shareRow();
 }
 
 void StatusLine::showOutput(const QueueState& state) {
@@ -53,13 +50,20 @@ void StatusLine::showOutput(const QueueState& state) {
 }
 
 void StatusLine::showRecording(const QString& file, double seconds) {
-    recording_->setVisible(!file.isEmpty());
     showPlainly(*recording_,
                 file.isEmpty() ? QString() : QString("● Recording %1  %2").arg(file, minutes(seconds)));
+    shareRow();
 }
 
 void StatusLine::showNotice(const QString& text) {
     showPlainly(*notice_, text);
+    shareRow();
+}
+
+/// Who has nothing to say makes room; somebody keeps the row's height.
+void StatusLine::shareRow() {
+    recording_->setVisible(!recording_->text().isEmpty());
+    notice_->setVisible(!notice_->text().isEmpty() || recording_->text().isEmpty());
 }
 
 void StatusLine::showNotice(const QString& text, std::chrono::milliseconds duration) {

@@ -2,23 +2,22 @@
 
 #include "platform/AudioQueue.h"
 
-#include <QObject>
 #include <QString>
+#include <QWidget>
 
 #include <chrono>
 
 class QLabel;
-class QStatusBar;
 
 namespace sonotrace {
 
 /// The generator window's status bar: what plays and where, and under it the running recording and what went
 /// wrong last. It grows where the window is too narrow for a text.
-class StatusLine : public QObject {
+class StatusLine : public QWidget {
     Q_OBJECT
 
 public:
-    StatusLine(QStatusBar& bar, const QString& soundSystem);
+    explicit StatusLine(const QString& soundSystem);
 
     void showOutput(const QueueState& state);
 
@@ -31,6 +30,8 @@ public:
     void clearNotice() { showNotice(QString()); }
 
 private:
+    void shareRow();
+
     const QString soundSystem_;
     QLabel* notice_;
     QLabel* recording_;

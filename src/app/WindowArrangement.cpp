@@ -11,51 +11,75 @@ namespace sonotrace {
 
 namespace {
 
-QSize leastSize(const QWidget& window) {
-    return window.minimumSizeHint() + window.frameGeometry().size() - window.size();
+using Row = QList<QWidget*>;
+
+QSize frameOf(const QWidget& window) {
+    return window.frameGeometry().size() - window.size();
 }
 
-/// The number of columns with which the windows lack least room; the squarer tiling where several lack none.
-int columnsFor(const QList<QWidget*>& windows, const QSize& area) {
-    QSize least;
-    for (const QWidget* window : windows)
-        least = least.expandedTo(leastSize(*window));
-    const int count = static_cast<int>(windows.size());
-    const auto cost = [&](int columns) {
-        const int rows = (count + columns - 1) / columns;
-        const int lacking = std::max(0, least.width() * columns - area.width()) +
-                            std::max(0, least.height() * rows - area.height());
-        return std::tuple(lacking, std::abs(columns - rows), -columns);
+QSize leastSize(const QWidget& window) {
+    return window.minimumSizeHint() + frameOf(window);
+}
+
+/// Of a row: the widths added, the greatest height.
+QSize leastSize(const Row& row) {
+    QSize least(0, 0);
+    for (const QWidget* window : row)
+        least = QSize(least.width() + leastSize(*window).width(),
+                      std::max(least.height(), leastSize(*window).height()));
+    return least;
+}
+
+/// Of all rows: the greatest width, the heights added.
+QSize leastSize(const QList<Row>& rows) {
+    QSize least(0, 0);
+    for (const Row& row : rows)
+        least =
+            QSize(std::max(least.width(), leastSize(row).width()), least.height() + leastSize(row).height());
+    return least;
+}
+
+/// The rows that lack least room, and of several that lack none the squarest.
+QList<Row> rowsFor(const QList<QWidget*>& windows, const QSize& area) {
+    QList<QList<Row>> choices;
+    for (qsizetype columns = 1; columns <= windows.size(); ++columns) {
+        QList<Row> rows;
+        for (qsizetype first = 0; first < windows.size(); first += columns)
+            rows.append(windows.mid(first, columns));
+        choices.append(rows);
+    }
+    const auto cost = [&](const QList<Row>& rows) {
+        const QSize lacking = (leastSize(rows) - area).expandedTo(QSize(0, 0));
+        return std::tuple(lacking.width() + lacking.height(), std::abs(rows.first().size() - rows.size()));
     };
-    int best = 1;
-    for (int columns = 2; columns <= count; ++columns)
-        best = cost(columns) < cost(best) ? columns : best;
-    return best;
+    return *std::ranges::min_element(choices, {}, cost);
 }
 
 void place(QWidget& window, const QRect& cell, const QRect& area) {
-    const QSize frame = window.frameGeometry().size() - window.size();
-    const QSize size = (cell.size() - frame).expandedTo(window.minimumSizeHint());
+    const QSize size = (cell.size() - frameOf(window)).expandedTo(window.minimumSizeHint());
     window.setWindowState(window.windowState() & ~(Qt::WindowMaximized | Qt::WindowFullScreen));
     window.resize(size);
-    const int right = area.x() + area.width() - size.width() - frame.width();
-    const int bottom = area.y() + area.height() - size.height() - frame.height();
-    window.move(std::max(area.x(), std::min(cell.x(), right)),
-                std::max(area.y(), std::min(cell.y(), bottom)));
+    const QSize room = area.size() - size - frameOf(window);
+    window.move(area.x() + std::max(0, std::min(cell.x() - area.x(), room.width())),
+                area.y() + std::max(0, std::min(cell.y() - area.y(), room.height())));
 }
 
 } // namespace
 
 void arrangeWindows(const QList<QWidget*>& windows, const QRect& area) {
-    const int count = static_cast<int>(windows.size());
-    const int columns = columnsFor(windows, area.size());
-    const int rows = (count + columns - 1) / columns;
-    for (int i = 0; i < count; ++i) {
-        const int row = i / columns;
-        const int inRow = std::min(columns, count - row * columns);
-        const int width = area.width() / inRow;
-        const int height = area.height() / rows;
-        place(*windows[i], {area.x() + i % columns * width, area.y() + row * height, width, height}, area);
+    const QList<Row> rows = rowsFor(windows, area.size());
+    const int spareHeight = (area.height() - leastSize(rows).height()) / static_cast<int>(rows.size());
+    int y = area.y();
+    for (const Row& row : rows) {
+        const int height = leastSize(row).height() + spareHeight;
+        const int spareWidth = (area.width() - leastSize(row).width()) / static_cast<int>(row.size());
+        int x = area.x();
+        for (QWidget* window : row) {
+            const int width = leastSize(*window).width() + spareWidth;
+            place(*window, {x, y, width, height}, area);
+            x += width;
+        }
+        y += height;
     }
 }
 
