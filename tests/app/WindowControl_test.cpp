@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QMainWindow>
 #include <QMessageBox>
+#include <QRegularExpression>
 #include <QScreen>
 
 #include <gtest/gtest.h>
@@ -119,7 +120,7 @@ TEST_F(WindowControlTest, TheMenuOpensEveryToolOnceAndThenBringsItToTheFront) {
     }
     find<QAction>("about").trigger();
     const auto& about = find<QMessageBox>("about");
-    EXPECT_TRUE(about.text().contains("Loopback, on Built-in Loopback\n")) << about.text().toStdString();
+    EXPECT_TRUE(about.text().contains("Loopback, on Built-in Loopback\n"));
     EXPECT_EQ(about.textFormat(), Qt::PlainText);
 }
 
@@ -156,10 +157,7 @@ TEST_F(WindowControlTest, RefreshedListsShowTheDevicesInUseAndTheStreamsGoOn) {
         system_->setDevices(devices);
         testing::internal::CaptureStderr();
         find<QAction>("refreshDevices").trigger();
-        const std::string log = testing::internal::GetCapturedStderr();
-        EXPECT_TRUE(log.ends_with("INPUT AudioDeviceID(" + std::to_string(names.size() - 1) +
-                                  ") status 0 mNumberChannels 2\n"));
-        EXPECT_EQ(log.find("Stop Sound"), std::string::npos);
+        EXPECT_EQ(testing::internal::GetCapturedStderr().find("Stop Sound"), std::string::npos);
         return std::pair(find<QComboBox>("outputPopup").currentText(),
                          findControl<QComboBox>(spectrum, "inputPopup").currentText());
     };
@@ -167,7 +165,6 @@ TEST_F(WindowControlTest, RefreshedListsShowTheDevicesInUseAndTheStreamsGoOn) {
     EXPECT_EQ(refresh({"New", "Speaker"}), std::pair(QString(), QString("Speaker")));
     EXPECT_EQ(notice(), "Line is gone");
     EXPECT_EQ(record().size(), 20000);
-    EXPECT_EQ(refresh({"Speaker", "Line"}), std::pair(QString("Line"), QString("Speaker")));
 }
 
 TEST_F(WindowControlTest, TheMenuStartsAndStopsARecordingAndTheStatusBarSaysHowItGoes) {
@@ -263,7 +260,10 @@ TEST_F(WindowControlTest, ASettingsFileIsTakenAsItIsWrittenExactlyAndClampedByTh
     control_->HalfSecTimer();
     EXPECT_EQ(slot(0).frequency, 22000);
     EXPECT_EQ(slot(1).frequency, 1000.123456789012) << "the field shows all of it";
+    window_->resize(window_->minimumSizeHint());
     control_->openSettings(path("not there"));
+    const auto& label = find<QLabel>("noticeLabel");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return label.height() >= label.heightForWidth(label.width()); }));
     EXPECT_EQ(notice(), path("not there") + " cannot be read: no such file");
     const std::ofstream empty(path("empty").toStdString());
     type("frequency1", "777");
@@ -274,6 +274,27 @@ TEST_F(WindowControlTest, ASettingsFileIsTakenAsItIsWrittenExactlyAndClampedByTh
     undo.trigger();
     EXPECT_EQ(slot(1).frequency, 777) << "also what was typed last";
     EXPECT_FALSE(undo.isEnabled());
+}
+
+TEST_F(WindowControlTest, FilePanelsBeginInTheFolderThatWasLastForTheKindOfFile) {
+    const std::filesystem::path music = path("music").toStdString(), odd = path(" odd=%41# ").toStdString();
+    std::filesystem::create_directories(music);
+    std::filesystem::create_directories(odd);
+    std::ofstream(path("user-dirs.dirs").toStdString()) << "XDG_MUSIC_DIR=" << music << '\n';
+    const auto offered = [&](const char* item, const QString& chosen) {
+        QString file;
+        answerFilePanel(chosen, nullptr, &file);
+        find<QAction>(item).trigger();
+        return file.replace(QRegularExpression(" \\d{4}(-\\d\\d){2} \\d\\d(-\\d\\d){2}"), "<time>");
+    };
+    launch();
+    chooseFile("menuSaveSettings", path("copy"));
+    EXPECT_EQ(offered("doRecordingFileMenu", path(" odd=%41# /take")), path("music/Sonotrace<time>.wav"));
+    find<QAction>("doStopRecordingFileMenu").trigger();
+    QMetaObject::invokeMethod(qApp, "aboutToQuit");
+    launch();
+    EXPECT_EQ(offered("doRecordingFileMenu", ""), path(" odd=%41# /Sonotrace<time>.wav"));
+    EXPECT_EQ(offered("menuSaveSettings", ""), path("Sonotrace<time>"));
 }
 
 TEST_F(WindowControlTest, WhatAllWindowsKeepComesBackAndAnyFileIsSurvived) {
