@@ -11,7 +11,6 @@
 #include <QMenuBar>
 #include <QPushButton>
 #include <QScrollArea>
-#include <QStatusBar>
 #include <QVBoxLayout>
 
 namespace sonotrace {
@@ -52,6 +51,11 @@ GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorBank& bank, c
               "Starts all generators and the sweep again from phase 0, together");
     parts.syncPhases = syncPhases;
 
+    auto* allOff = new QPushButton("&All Off");
+    introduce(*allOff, "allOffButton", "All off",
+              "Switches all generators and the sweep off at once (Ctrl+.)");
+    parts.allOff = allOff;
+
     auto* strip = new QHBoxLayout;
     strip->setContentsMargins(14, 8, 14, 8);
     strip->setSpacing(8);
@@ -59,6 +63,7 @@ GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorBank& bank, c
     strip->addWidget(outputPopup, 1);
     strip->addSpacing(16);
     strip->addWidget(syncPhases);
+    strip->addWidget(allOff);
 
     auto* content = new QWidget;
     auto* column = new QVBoxLayout(content);
@@ -66,11 +71,12 @@ GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorBank& bank, c
     column->setSpacing(0);
     column->addWidget(scrolled(parts.panel), 1);
     column->addLayout(strip);
+    parts.status = new StatusLine(soundSystem);
+    column->addWidget(parts.status);
     window.setCentralWidget(content);
 
-    parts.status = new StatusLine(*window.statusBar(), soundSystem);
     const QSize chrome = QSize(2, window.menuBar()->sizeHint().height() + strip->sizeHint().height() +
-                                      window.statusBar()->sizeHint().height() + 2);
+                                      parts.status->sizeHint().height() + 2);
     window.resize(parts.panel->size() + chrome);
     return parts;
 }

@@ -19,6 +19,7 @@ struct GeneratorWindow {
     GeneratorPanel* panel; ///< without its rows, which are built once the bank is loaded
     QComboBox* outputPopup;
     QAbstractButton* syncPhases;
+    QAbstractButton* allOff;
     StatusLine* status;
 };
 

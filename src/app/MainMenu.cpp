@@ -43,6 +43,10 @@ MainMenu buildMainMenu(QMenuBar& bar) {
                                     "Load the generators from a settings file");
     menu.menuSaveSettings = addItem(file, "menuSaveSettings", "&Save Settings…", QKeySequence::Save,
                                     "Save the generators to a settings file");
+    menu.undoOpenSettings =
+        addItem(file, "undoOpenSettings", "&Undo Open Settings", QKeySequence(),
+                "Bring the generators back as they were before the last settings file was opened");
+    menu.undoOpenSettings->setEnabled(false);
     file.addSeparator();
     menu.doRecordingFileMenu =
         addItem(file, "doRecordingFileMenu", "Start &Recording…", QKeySequence(Qt::CTRL | Qt::Key_R),
@@ -66,10 +70,24 @@ MainMenu buildMainMenu(QMenuBar& bar) {
                                  "Open the waterfall");
     menu.menuWScope = addItem(tools, "menuWScope", "S&cope", QKeySequence(Qt::CTRL | Qt::Key_5),
                               "Open the two-channel oscilloscope");
+    tools.addSeparator();
+    menu.allOff = addItem(tools, "allOff", "&All Off", QKeySequence(Qt::CTRL | Qt::Key_Period),
+                          "Switch all generators and the sweep off at once");
+    menu.refreshDevices = addItem(tools, "refreshDevices", "Refresh &Devices", QKeySequence::Refresh,
+                                  "List the devices anew in all windows; what plays or listens goes on");
+    menu.restoreInputVolumes =
+        addItem(tools, "restoreInputVolumes", "Restore &Input Volumes at Quit", QKeySequence(),
+                "At the end, give the inputs the volumes back that they had before Sonotrace set them");
+    menu.restoreInputVolumes->setCheckable(true);
+    menu.arrangeWindows = addItem(tools, "arrangeWindows", "A&rrange Windows", QKeySequence(),
+                                  "Lay the open windows side by side on this window's screen");
 
     QMenu& help = *bar.addMenu("&Help");
     menu.showHelp = addItem(help, "showHelp", "Sonotrace &Manual", QKeySequence::HelpContents,
                             "Open the manual in the document viewer");
+    menu.about = addItem(help, "about", "&About Sonotrace", QKeySequence(),
+                         "Version, licence, and what to attach to a report of a fault");
+    menu.about->setMenuRole(QAction::AboutRole);
     return menu;
 }
 

@@ -13,6 +13,7 @@ inline constexpr int kStopRecordingTag = 30001;
 struct MainMenu {
     QAction* menuOpenSettings;
     QAction* menuSaveSettings;
+    QAction* undoOpenSettings;
     QAction* doRecordingFileMenu;
     QAction* doStopRecordingFileMenu;
     QAction* quit;
@@ -21,7 +22,12 @@ struct MainMenu {
     QAction* menuSpectrum;
     QAction* menuWaterfall;
     QAction* menuWScope;
+    QAction* allOff;
+    QAction* refreshDevices;
+    QAction* restoreInputVolumes; ///< can be ticked
+    QAction* arrangeWindows;
     QAction* showHelp;
+    QAction* about;
 };
 
 /// Fills an empty menu bar.

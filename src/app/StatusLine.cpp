@@ -3,20 +3,22 @@
 #include "widgets/PlainLabel.h"
 #include "widgets/StreamText.h"
 
-#include <QStatusBar>
+#include <QBoxLayout>
+#include <QTimer>
 
 namespace sonotrace {
 
 namespace {
 
-QLabel* addLabel(QStatusBar& bar, const char* name, const QString& description, int stretch) {
-    auto* label = new QLabel(&bar);
+QLabel* newLabel(const char* name, const QString& description) {
+    auto* label = new QLabel;
     label->setObjectName(name);
     label->setAccessibleName(description);
     label->setToolTip(description);
+    label->setWordWrap(true);
+    label->setMinimumHeight(label->fontMetrics().height()); // an empty one keeps its row
     // A long name must not widen the window.
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    bar.addPermanentWidget(label, stretch);
     return label;
 }
 
@@ -27,13 +29,20 @@ QString minutes(double seconds) {
 
 } // namespace
 
-StatusLine::StatusLine(QStatusBar& bar, const QString& soundSystem)
-    : QObject(&bar),
-      soundSystem_(soundSystem),
-      notice_(addLabel(bar, "noticeLabel", "Notices", 3)),
-      recording_(addLabel(bar, "recordingLabel", "Recording", 3)),
-      output_(addLabel(bar, "outputLabel", "Sound system and output device", 4)) {
-    output_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+StatusLine::StatusLine(const QString& soundSystem)
+    : soundSystem_(soundSystem),
+      notice_(newLabel("noticeLabel", "Notices")),
+      recording_(newLabel("recordingLabel", "Recording")),
+      output_(newLabel("outputLabel", "Sound system and output device")) {
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(14, 0, 14, 8);
+    column->setSpacing(2);
+    column->addWidget(output_);
+    auto* row = new QHBoxLayout;
+    column->addLayout(row);
+    row->addWidget(recording_, 1);
+    row->addWidget(notice_, 1);
+    shareRow();
 }
 
 void StatusLine::showOutput(const QueueState& state) {
@@ -43,10 +52,26 @@ void StatusLine::showOutput(const QueueState& state) {
 void StatusLine::showRecording(const QString& file, double seconds) {
     showPlainly(*recording_,
                 file.isEmpty() ? QString() : QString("● Recording %1  %2").arg(file, minutes(seconds)));
+    shareRow();
 }
 
 void StatusLine::showNotice(const QString& text) {
     showPlainly(*notice_, text);
+    shareRow();
+}
+
+/// Who has nothing to say makes room; somebody keeps the row's height.
+void StatusLine::shareRow() {
+    recording_->setVisible(!recording_->text().isEmpty());
+    notice_->setVisible(!notice_->text().isEmpty() || recording_->text().isEmpty());
+}
+
+void StatusLine::showNotice(const QString& text, std::chrono::milliseconds duration) {
+    showNotice(text);
+    QTimer::singleShot(duration, this, [this, text] {
+        if (notice_->text() == text)
+            clearNotice();
+    });
 }
 
 } // namespace sonotrace

@@ -2,20 +2,22 @@
 
 #include "platform/AudioQueue.h"
 
-#include <QObject>
 #include <QString>
+#include <QWidget>
+
+#include <chrono>
 
 class QLabel;
-class QStatusBar;
 
 namespace sonotrace {
 
-/// The generator window's status bar: what plays and where, the running recording, and what went wrong last.
-class StatusLine : public QObject {
+/// The generator window's status bar: what plays and where, and under it the running recording and what went
+/// wrong last. It grows where the window is too narrow for a text.
+class StatusLine : public QWidget {
     Q_OBJECT
 
 public:
-    StatusLine(QStatusBar& bar, const QString& soundSystem);
+    explicit StatusLine(const QString& soundSystem);
 
     void showOutput(const QueueState& state);
 
@@ -24,9 +26,12 @@ public:
 
     /// Something the user should know; stays until the next notice or clearNotice().
     void showNotice(const QString& text);
+    void showNotice(const QString& text, std::chrono::milliseconds duration);
     void clearNotice() { showNotice(QString()); }
 
 private:
+    void shareRow();
+
     const QString soundSystem_;
     QLabel* notice_;
     QLabel* recording_;

@@ -1,9 +1,12 @@
 #include "app/WindowControl.h"
 
+#include "app/About.h"
 #include "app/FirstRunDefaults.h"
 #include "app/GeneratorWindow.h"
+#include "app/QuitQuestion.h"
 #include "app/Resources.h"
 #include "app/StatusLine.h"
+#include "app/WindowArrangement.h"
 #include "base/SampleRate.h"
 #include "base/SystemLog.h"
 #include "generator/GeneratorPanel.h"
@@ -15,6 +18,7 @@
 #include "waterfall/WaterfallController.h"
 #include "widgets/FilePanels.h"
 #include "widgets/PopUp.h"
+#include "widgets/StreamText.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -23,6 +27,7 @@
 #include <QFileInfo>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QScreen>
 #include <QUrl>
 
 namespace sonotrace {
@@ -30,7 +35,9 @@ namespace sonotrace {
 namespace {
 constexpr auto kFrameKey = "GENERATOR_WINDOW_FRAME";
 constexpr auto kOutputKey = "MAIN_outputPopup";
+constexpr auto kRestoreKey = "MAIN_restoreInputVolumes";
 constexpr int kHalfSecond = 500; // ms
+constexpr std::chrono::seconds kSomeSeconds{4};
 
 void bringToFront(QWidget& window) {
     window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
@@ -58,6 +65,8 @@ void WindowControl::awakeFromNib() {
     status_ = parts.status;
     connectMenu();
     connect(parts.syncPhases, &QAbstractButton::clicked, this, &WindowControl::syncPhases);
+    connect(parts.allOff, &QAbstractButton::clicked, this, &WindowControl::allOff);
+    guardClosing(*window_, [this] { return mayQuit(); });
 
     deleteSomeMenuItems(*window_->menuBar());
     preferences_.restoreFrame(*window_, kFrameKey);
@@ -71,6 +80,7 @@ void WindowControl::awakeFromNib() {
     connect(outputPopup_, &QComboBox::activated, this, &WindowControl::doInputDevice);
     startSound();
     connect(qApp, &QCoreApplication::aboutToQuit, this, &WindowControl::applicationWillTerminate);
+    menu_.restoreInputVolumes->setChecked(preferences_.integerValue(kRestoreKey) != 0);
     menuGenerators();
     connect(&ourTimer_, &QTimer::timeout, this, &WindowControl::HalfSecTimer);
     ourTimer_.start(kHalfSecond);
@@ -89,7 +99,16 @@ void WindowControl::connectMenu() {
     on(menu_.menuWaterfall, &WindowControl::menuWaterfall);
     on(menu_.menuWScope, &WindowControl::menuWScope);
     on(menu_.showHelp, &WindowControl::showHelp);
-    connect(menu_.quit, &QAction::triggered, qApp, [] { QCoreApplication::exit(0); });
+    connect(menu_.about, &QAction::triggered, this, [this] {
+        showAbout(*window_, QString::fromStdString(system_.name()), describeStream(output_.state()));
+    });
+    on(menu_.undoOpenSettings, &WindowControl::undoOpenSettings);
+    on(menu_.allOff, &WindowControl::allOff);
+    on(menu_.refreshDevices, &WindowControl::refreshDevices);
+    on(menu_.arrangeWindows, &WindowControl::arrangeOpenWindows);
+    connect(menu_.restoreInputVolumes, &QAction::triggered, this,
+            [this](bool restore) { preferences_.setInteger(kRestoreKey, restore ? 1 : 0); });
+    on(menu_.quit, &WindowControl::quit);
 }
 
 bool WindowControl::validateMenuItem(const QAction& item) const {
@@ -122,14 +141,45 @@ void WindowControl::stopSound() {
     output_.stopSound();
 }
 
+/// The streams go on.
+void WindowControl::refreshDevices() {
+    devices_ = AudioDeviceTable(); // what is appended to an old one's maps would not be found
+    GetSoundDevices();
+    SetSoundDevices();
+    const auto position = [this](const std::string& uid) { return devices_.outputPosition(uid); };
+    const QString trouble = selectDeviceInUse(*outputPopup_, position, output_.chosen(), output_.state());
+    if (!trouble.isEmpty())
+        status_->showNotice(trouble);
+    for (ToolController* tool : tools_)
+        tool->refreshDevices();
+}
+
+void WindowControl::arrangeOpenWindows() {
+    QList<QWidget*> open{window_.get()};
+    for (ToolController* tool : tools_) {
+        if (tool->window().isVisible() && !tool->window().isMinimized())
+            open.append(&tool->window());
+    }
+    arrangeWindows(open, window_->screen()->availableGeometry());
+}
+
 void WindowControl::doInputDevice() {
     stopSound();
     startSound();
-    status_->showOutput(output_.state());
+    return_ = DeviceReturn();
+    showOutput();
 }
 
 void WindowControl::syncPhases() {
     render_.syncPhases();
+}
+
+/// For somebody with headphones on: what is rendered next is silent.
+void WindowControl::allOff() {
+    panel_->switchAllOff();
+    panel_->poll();
+    if (sweepController_) // without it the sweep has never been on
+        sweepController_->switchOff();
 }
 
 void WindowControl::menuGenerators() {
@@ -161,6 +211,7 @@ void WindowControl::openTool(std::unique_ptr<Controller>& controller, const char
     }
     controller = std::make_unique<Controller>(arguments...);
     controller->awakeFromNib();
+    tools_.push_back(controller.get());
     connect(qApp, &QCoreApplication::aboutToQuit, controller.get(), &Controller::applicationWillTerminate);
     bringToFront(controller->window());
     systemLog("%s: %s", name, controller->metaObject()->className());
@@ -169,51 +220,75 @@ void WindowControl::openTool(std::unique_ptr<Controller>& controller, const char
 void WindowControl::HalfSecTimer() {
     panel_->poll();
     if (!recorder_.flush())
-        status_->showNotice(QString("%1 cannot be written: is the disk full?").arg(recordingName_));
+        status_->showNotice(QString("%1 cannot be written: is the disk full?").arg(recordingPath_));
     else if (recorder_.isRecording() && recorder_.lostFrames() > 0)
         status_->showNotice(lossNotice());
     else if (outcomeAwaited_)
         showOutcome();
     showRecordingState();
-    status_->showOutput(output_.state());
+    showOutput();
+}
+
+void WindowControl::showOutput() {
+    const QueueState state = output_.state();
+    status_->showOutput(state);
+    if (!return_.isReturn(state))
+        return;
+    if (devices_.outputPosition(output_.chosen().uid) != outputPopup_->currentIndex())
+        refreshDevices(); // its list was built while the device was away
+    status_->showNotice(
+        QString("%1 is back and played on again").arg(QString::fromStdString(state.deviceName)),
+        kSomeSeconds);
 }
 
 void WindowControl::showRecordingState() {
-    status_->showRecording(recorder_.isRecording() ? recordingName_ : QString(), recorder_.seconds());
+    const QString name = QFileInfo(recordingPath_).fileName();
+    status_->showRecording(recorder_.isRecording() ? name : QString(), recorder_.seconds());
 }
 
 void WindowControl::menuSaveSettings() {
     // As it is when the user asks: what plays on while the panel is open does not change the file.
     const QByteArray block = settingsBlock(*panel_);
-    if (const auto path = askForFileToSave(window_.get(), "Settings file to save"))
+    if (const auto path =
+            askForFileToSave(window_.get(), preferences_, kSettingsFiles, "Settings file to save"))
         status_->showNotice(saveSettingsDocument(block, *path));
 }
 
 void WindowControl::menuOpenSettings() {
-    if (const auto path = askForFileToOpen(window_.get(), "Settings file to open"))
+    if (const auto path =
+            askForFileToOpen(window_.get(), preferences_, kSettingsFiles, "Settings file to open"))
         openSettings(*path);
     syncPhases();
 }
 
 void WindowControl::openSettings(const QString& path) {
+    panel_->poll(); // what was typed last is to come back as well
+    settingsBefore_ = settingsBlock(*panel_);
     status_->showNotice(openSettingsDocument(*panel_, path));
+    menu_.undoOpenSettings->setEnabled(true);
+}
+
+void WindowControl::undoOpenSettings() {
+    showSettingsBlock(*panel_, settingsBefore_);
+    syncPhases();
+    menu_.undoOpenSettings->setEnabled(false);
+    status_->showNotice("The generators are as they were before the settings were opened");
 }
 
 void WindowControl::doRecordingFileMenu() {
-    const auto path =
-        askForFileToSave(window_.get(), "Choose file to save recording to", "WAV files (*.wav *.WAV)", "wav");
-    if (path)
+    if (const auto path =
+            askForFileToSave(window_.get(), preferences_, kRecordings, "Choose file to save recording to"))
         startRecording(*path);
 }
 
 bool WindowControl::startRecording(const QString& path) {
-    recordingName_ = QFileInfo(path).fileName();
+    recordingPath_ = path;
     const bool started = recorder_.start(path.toStdU16String());
     outcomeAwaited_ = false;
     if (started)
         status_->clearNotice();
     else
-        status_->showNotice(QString("%1 cannot be created").arg(recordingName_));
+        status_->showNotice(QString("%1 cannot be created").arg(recordingPath_));
     validateMenu();
     showRecordingState();
     return started;
@@ -232,17 +307,17 @@ void WindowControl::showOutcome() {
     const std::optional<bool> whole = recorder_.outcome();
     outcomeAwaited_ = !whole;
     if (!whole)
-        status_->showNotice(QString("%1 is still being written").arg(recordingName_));
+        status_->showNotice(QString("%1 is still being written").arg(recordingPath_));
     else if (recorder_.lostFrames() > 0)
         status_->showNotice(lossNotice());
     else
-        status_->showNotice(*whole ? QString("Recorded %1").arg(recordingName_)
-                                   : QString("%1 could not be written completely").arg(recordingName_));
+        status_->showNotice(*whole ? QString("Recorded %1").arg(recordingPath_)
+                                   : QString("%1 could not be written completely").arg(recordingPath_));
 }
 
 QString WindowControl::lossNotice() const {
     const double seconds = static_cast<double>(recorder_.lostFrames()) / kSampleRate;
-    return QString("%1 lacks %2 s: the disk was too slow").arg(recordingName_).arg(seconds, 0, 'f', 1);
+    return QString("%1 lacks %2 s: the disk was too slow").arg(recordingPath_).arg(seconds, 0, 'f', 1);
 }
 
 void WindowControl::showHelp() {
@@ -252,11 +327,27 @@ void WindowControl::showHelp() {
                                              : QString("No document viewer opens %1").arg(manual));
 }
 
+bool WindowControl::mayQuit() {
+    if (!recorder_.isRecording())
+        return true;
+    const QuitAnswer answer = askHowToQuit(*window_, recordingPath_);
+    if (answer == QuitAnswer::StopRecordingAndQuit)
+        doStopRecordingFileMenu();
+    return answer != QuitAnswer::Cancel;
+}
+
+void WindowControl::quit() {
+    if (mayQuit())
+        QCoreApplication::exit(0);
+}
+
 void WindowControl::applicationWillTerminate() {
     for (int slot = 0; slot < kGeneratorCount; ++slot)
         saveGeneratorSlot(preferences_, slot, panel_->slotSettings(slot));
     preferences_.setInteger(kOutputKey, outputPopup_->currentIndex());
     preferences_.setFrame(*window_, kFrameKey);
+    if (menu_.restoreInputVolumes->isChecked() && system_.restoreInputVolumes() != kNoError)
+        systemLog("The input volumes cannot be put back");
     if (!preferences_.synchronise())
         systemLog("The preferences cannot be written");
     if (const auto underruns = output_.state().underruns; underruns > 0)

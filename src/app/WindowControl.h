@@ -9,14 +9,17 @@
 #include "generator/SweepParameters.h"
 #include "generator/WavRecorder.h"
 #include "platform/SoundSystem.h"
+#include "widgets/DeviceInUse.h"
 #include "widgets/Preferences.h"
 #include "widgets/QtRunLoop.h"
 #include "widgets/UnfocusedWheel.h"
 
+#include <QByteArray>
 #include <QObject>
 #include <QTimer>
 
 #include <memory>
+#include <vector>
 
 class QComboBox;
 class QMainWindow;
@@ -28,6 +31,7 @@ class ScopeController;
 class SpectrumController;
 class StatusLine;
 class SweepController;
+class ToolController;
 class WaterfallController;
 
 /// The main controller: owns the generator window, the generators and their output stream, creates the tool
@@ -45,6 +49,9 @@ public:
 
     /// Writes the state of the generator window into the preferences.
     void applicationWillTerminate();
+
+    /// Whether the program may quit now: while a recording runs the user is asked, and may have it stopped.
+    bool mayQuit();
 
     /// Opens a settings file without asking; what cannot be read counts as zeros and is said in the status
     /// bar.
@@ -69,6 +76,11 @@ public Q_SLOTS:
     void showHelp();
     void doInputDevice();
     void syncPhases();
+    void allOff();
+    void refreshDevices();
+    void arrangeOpenWindows();
+    void undoOpenSettings();
+    void quit();
     void HalfSecTimer();
 
 private:
@@ -79,6 +91,7 @@ private:
     void SetSoundDevices();
     void startSound();
     void stopSound();
+    void showOutput();
     void showRecordingState();
     void showOutcome();
     QString lossNotice() const;
@@ -105,7 +118,9 @@ private:
     QComboBox* outputPopup_ = nullptr;
     StatusLine* status_ = nullptr;
     QTimer ourTimer_;
-    QString recordingName_;
+    QString recordingPath_;
+    QByteArray settingsBefore_; ///< the last file was opened
+    DeviceReturn return_;
     bool outcomeAwaited_ = false; ///< of the recording that was stopped
 
     QtRunLoop runLoop_;
@@ -113,6 +128,7 @@ private:
     std::unique_ptr<SpectrumController> spectrumController_;
     std::unique_ptr<WaterfallController> waterfallController_;
     std::unique_ptr<ScopeController> scopeController_;
+    std::vector<ToolController*> tools_; ///< those that there are
 };
 
 } // namespace sonotrace

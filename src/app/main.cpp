@@ -1,4 +1,5 @@
 #include "app/Arguments.h"
+#include "app/FirstInstance.h"
 #include "app/PictureTour.h"
 #include "app/QuitSignals.h"
 #include "app/Resources.h"
@@ -8,6 +9,7 @@
 #include "widgets/WindowVisibility.h"
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QIcon>
 #include <QTemporaryDir>
 
@@ -52,6 +54,7 @@ void logToolkitMessage(QtMsgType, const QMessageLogContext&, const QString& text
 int main(int argc, char** argv) {
     using namespace sonotrace;
     openMissingStandardFiles();
+    const QString activationToken = qEnvironmentVariable("XDG_ACTIVATION_TOKEN"); // the toolkit removes it
     std::setvbuf(stdout, nullptr, _IOLBF, 0); // what a crash follows is still to be read
     qInstallMessageHandler(logToolkitMessage);
     QCoreApplication::setApplicationName("Sonotrace");
@@ -67,16 +70,38 @@ int main(int argc, char** argv) {
     QApplication::setWindowIcon(QIcon(resourcePath("sonotrace.png")));
 
     const QuitSignals quitSignals;
-    const std::unique_ptr<SoundSystem> system = openSoundSystem(arguments->audio);
     if (!arguments->pictures.isEmpty())
-        return runPictureTour(*system, arguments->pictures);
+        return runPictureTour(*openSoundSystem(arguments->audio), arguments->pictures);
+    FirstInstance instance(Preferences::defaultPath());
+    const QString settings =
+        arguments->settings.isEmpty() ? QString() : QFileInfo(arguments->settings).absoluteFilePath();
+    switch (instance.takeRole({settings, activationToken})) {
+    case FirstInstance::Role::Second:
+        std::printf("Sonotrace runs already: its window comes to the front\n");
+        return 0;
+    case FirstInstance::Role::Beside:
+        systemLog("Sonotrace runs already and does not answer: this one runs beside it");
+        break;
+    case FirstInstance::Role::First:
+        break;
+    }
+    const std::unique_ptr<SoundSystem> system = openSoundSystem(arguments->audio);
     WindowVisibility visibility;
     Preferences preferences;
     WindowControl control(*system, preferences);
     control.awakeFromNib();
-    if (!arguments->settings.isEmpty()) {
-        control.openSettings(arguments->settings);
+    const auto open = [&control](const QString& file) {
+        if (file.isEmpty())
+            return;
+        control.openSettings(file);
         control.syncPhases();
-    }
+    };
+    open(arguments->settings);
+    QObject::connect(&instance, &FirstInstance::wanted, &control, [&](const FirstInstance::Request& request) {
+        if (!request.token.isEmpty()) // the toolkit takes it from there
+            qputenv("XDG_ACTIVATION_TOKEN", request.token.toUtf8());
+        control.menuGenerators();
+        open(request.settings);
+    });
     return QApplication::exec();
 }

@@ -32,6 +32,13 @@ std::optional<std::size_t> deviceAt(std::int32_t count, const std::vector<std::i
     return k < count ? std::optional(static_cast<std::size_t>(k)) : std::nullopt; // the maps only ever grow
 }
 
+std::optional<int> positionOf(const std::string& uid, const std::vector<std::int32_t>& map,
+                              const std::vector<std::optional<std::string>>& uids) {
+    const auto is = [&](std::int32_t k) { return uids[static_cast<std::size_t>(k)] == uid; };
+    const auto found = std::ranges::find_if(map, is);
+    return found == map.end() ? std::nullopt : std::optional(static_cast<int>(found - map.begin()));
+}
+
 } // namespace
 
 void AudioDeviceTable::GetSoundDevices(SoundSystem& system, Variant variant) {
@@ -121,6 +128,14 @@ std::optional<std::size_t> AudioDeviceTable::inputDevice(int popupIndex) const {
 
 std::optional<std::size_t> AudioDeviceTable::outputDevice(int popupIndex) const {
     return deviceAt(deviceCount, outputDeviceMap, popupIndex);
+}
+
+std::optional<int> AudioDeviceTable::inputPosition(const std::string& uid) const {
+    return positionOf(uid, inputDeviceMap, deviceUids);
+}
+
+std::optional<int> AudioDeviceTable::outputPosition(const std::string& uid) const {
+    return positionOf(uid, outputDeviceMap, deviceUids);
 }
 
 } // namespace sonotrace

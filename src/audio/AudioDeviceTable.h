@@ -9,7 +9,7 @@
 
 namespace sonotrace {
 
-/// One window's list of the machine's sound devices, built once when the window is made, and the maps from
+/// One window's list of the machine's sound devices, built when the window is made, and the maps from
 /// the positions of its pop-up to devices. Rows are indexed by the device's position k in the platform's
 /// list. Window thread.
 class AudioDeviceTable {
@@ -43,6 +43,10 @@ public:
     /// an empty pop-up's -1.
     std::optional<std::size_t> inputDevice(int popupIndex) const;
     std::optional<std::size_t> outputDevice(int popupIndex) const;
+
+    /// The other way round: the position of the device whose UID is `uid`.
+    std::optional<int> inputPosition(const std::string& uid) const;
+    std::optional<int> outputPosition(const std::string& uid) const;
 
     /// UID of device `k`, empty when it has none.
     std::string uid(std::size_t k) const { return deviceUids[k].value_or(std::string()); }

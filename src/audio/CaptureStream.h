@@ -35,6 +35,7 @@ public:
     float peakLevel();
 
     QueueState state() const { return queue_.state(); }
+    const ChosenDevice& chosen() const { return queue_.chosen(); }
 
 private:
     void receive(AudioQueue& queue, AudioQueueBuffer& buffer);

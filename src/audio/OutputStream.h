@@ -23,6 +23,7 @@ public:
     void stopSound() { queue_.stopSound(); }
 
     QueueState state() const { return queue_.state(); }
+    const ChosenDevice& chosen() const { return queue_.chosen(); }
 
 private:
     void chooseDevice(int popupIndex);

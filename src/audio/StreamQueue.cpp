@@ -7,9 +7,11 @@
 namespace sonotrace {
 
 void StreamQueue::setCurrentDevice(const AudioDeviceTable& devices, std::optional<std::size_t> k) {
+    chosen_ = ChosenDevice();
     if (!k)
         return;
-    const Status status = queue_->setCurrentDevice(devices.uid(*k));
+    chosen_ = {devices.uid(*k), devices.deviceNames[*k]};
+    const Status status = queue_->setCurrentDevice(chosen_.uid);
     if (status != kNoError)
         systemLog("AudioQueueSetProperty err %d ", status);
 }

@@ -5,8 +5,15 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace sonotrace {
+
+/// A device as the user has chosen it; empty for the server's default. It may be gone meanwhile.
+struct ChosenDevice {
+    std::string uid;
+    std::string name;
+};
 
 /// The queue behind a stream of the program, output or input: the steps of starting and stopping that do not
 /// depend on the direction. Failures are printed and the steps go on. Window thread.
@@ -26,9 +33,13 @@ public:
 
     void stopSound();
 
+    /// The device it was put on last.
+    const ChosenDevice& chosen() const { return chosen_; }
+
     QueueState state() const { return queue_ ? queue_->state() : QueueState(); }
 
 private:
+    ChosenDevice chosen_;
     std::unique_ptr<AudioQueue> queue_;
 };
 

@@ -6,9 +6,11 @@
 #include <climits>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <poll.h>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace sonotrace {
@@ -48,13 +50,7 @@ bool writeAtOnce(int descriptor, std::string_view text) {
     return true;
 }
 
-} // namespace
-
-void systemLog(const char* format, ...) {
-    std::va_list arguments;
-    va_start(arguments, format);
-    std::string line = formatted(format, arguments);
-    va_end(arguments);
+void writeLine(std::string line) {
     if (line.empty() || line.back() != '\n') // some texts carry a line end of their own
         line += '\n';
     const std::uint64_t lost = dropped.load();
@@ -65,6 +61,32 @@ void systemLog(const char* format, ...) {
         ++dropped;
     else
         droppedAndSaid = lost;
+}
+
+/// Whether standard error is the stream that the service manager has connected to its journal, and has not
+/// been redirected since.
+bool goesToJournal() {
+    const char* const stream = std::getenv("JOURNAL_STREAM"); // NOLINT(concurrency-mt-unsafe)
+    struct stat log {};
+    if (!stream || fstat(STDERR_FILENO, &log) != 0)
+        return false;
+    return std::to_string(log.st_dev) + ':' + std::to_string(log.st_ino) == stream;
+}
+
+} // namespace
+
+void systemLog(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    writeLine(formatted(format, arguments));
+    va_end(arguments);
+}
+
+void frequentLog(const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    writeLine((goesToJournal() ? "<7>" : "") + formatted(format, arguments));
+    va_end(arguments);
 }
 
 void printDiagnostic(const char* format, ...) {

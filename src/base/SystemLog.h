@@ -9,6 +9,10 @@ namespace sonotrace {
 /// thread ever waits for a reader. Not for audio threads.
 [[gnu::format(printf, 1, 2)]] void systemLog(const char* format, ...);
 
+/// The same for a line that comes many times a second. Under a journal it is marked as one for debugging, so
+/// that it need not be kept. Window thread.
+[[gnu::format(printf, 1, 2)]] void frequentLog(const char* format, ...);
+
 /// Writes a diagnostic line of an audio queue to standard output, exactly as formatted: those texts carry
 /// their own line end. Does not wait for a reader either.
 [[gnu::format(printf, 1, 2)]] void printDiagnostic(const char* format, ...);

@@ -216,6 +216,11 @@ void GeneratorPanel::poll() {
     }
 }
 
+void GeneratorPanel::switchAllOff() {
+    for (const Row& controls : rows_)
+        controls.enabled->setChecked(false);
+}
+
 void GeneratorPanel::setSlot(int slot, const GeneratorSettings& settings) {
     const Row& controls = row(slot);
     controls.frequency->setDoubleValue(settings.frequency);

@@ -33,6 +33,9 @@ public:
     /// bank.
     void poll();
 
+    /// Unticks all generators.
+    void switchAllOff();
+
     /// Shows `settings` in row `slot` and puts them into the bank, unclamped.
     void setSlot(int slot, const GeneratorSettings& settings);
 

@@ -10,6 +10,10 @@
 
 namespace sonotrace {
 
+namespace {
+constexpr auto kFileBytes = static_cast<qint64>(kSettingsFileBytes);
+}
+
 QByteArray settingsBlock(const GeneratorPanel& panel) {
     SettingsOfAll all{};
     for (int slot = 0; slot < kGeneratorCount; ++slot)
@@ -22,22 +26,32 @@ QString saveSettingsDocument(const QByteArray& block, const QString& path) {
     return writeFile(path, block, "Settings saved to %1");
 }
 
+void showSettingsBlock(GeneratorPanel& panel, const QByteArray& block) {
+    const SettingsOfAll all = decodeSettingsFile(std::as_bytes(std::span(block)));
+    for (int slot = 0; slot < kGeneratorCount; ++slot)
+        panel.setSlot(slot, all[static_cast<std::size_t>(slot)]);
+}
+
 QString openSettingsDocument(GeneratorPanel& panel, const QString& path) {
     systemLog("%s", qUtf8Printable(path));
     QFile file(path);
     const QFileInfo info(path);
     const bool opened = info.isFile() && file.open(QIODevice::ReadOnly);
-    const QByteArray block = opened ? file.read(static_cast<qint64>(kSettingsFileBytes)) : QByteArray();
+    const QByteArray block = opened ? file.read(kFileBytes) : QByteArray();
     systemLog("%d", static_cast<int>(opened ? file.size() : 0));
-    const auto all = decodeSettingsFile(std::as_bytes(std::span(block)));
-    for (int slot = 0; slot < kGeneratorCount; ++slot)
-        panel.setSlot(slot, all[static_cast<std::size_t>(slot)]);
+    showSettingsBlock(panel, block);
     if (!opened)
         return QString("%1 cannot be read: %2")
-            .arg(info.fileName(), info.isFile() ? file.errorString() : "no such file");
-    if (block.size() < static_cast<qint64>(kSettingsFileBytes))
-        return QString("%1 is too short for a settings file: the rest counts as zero").arg(info.fileName());
-    return QString("Settings opened from %1").arg(info.fileName());
+            .arg(path, info.isFile() ? file.errorString() : "no such file");
+    if (block.size() < kFileBytes)
+        return QString("%1 is too short for a settings file: the rest counts as zero (%2 bytes of %3)")
+            .arg(path)
+            .arg(block.size())
+            .arg(kFileBytes);
+    QString done = QString("Settings opened from %1").arg(path);
+    if (file.size() > kFileBytes)
+        done += QString(" (%1 bytes too long: perhaps no settings file)").arg(file.size() - kFileBytes);
+    return done;
 }
 
 } // namespace sonotrace

@@ -12,6 +12,9 @@ class GeneratorPanel;
 /// The bytes of a file with the panel's settings as they are now.
 QByteArray settingsBlock(const GeneratorPanel& panel);
 
+/// Puts such bytes into the panel and the bank, unclamped. What is missing counts as zeros.
+void showSettingsBlock(GeneratorPanel& panel, const QByteArray& block);
+
 /// Both say in a sentence what came of it.
 QString saveSettingsDocument(const QByteArray& block, const QString& path);
 

@@ -5,6 +5,10 @@
 
 namespace sonotrace {
 
+/// A logarithmic sweep grows each second by this part of its frequency, times the rate; below 1 Hz as at 1
+/// Hz.
+inline constexpr double kSweepLogLaw = 0.00046417;
+
 /// What the sweep is to do. The window thread writes, the audio thread reads; at the end of a one-shot pass
 /// the audio thread writes the three switches that say so. One instance, owned by the main controller.
 struct SweepParameters {

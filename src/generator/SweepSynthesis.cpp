@@ -11,7 +11,6 @@ namespace sonotrace {
 namespace {
 constexpr auto kRelaxed = std::memory_order_relaxed;
 constexpr double kPeriod = kSineTableSize;
-constexpr double kLogLaw = 0.00046417;
 constexpr double kPlausibleFrequency = 1e6; // Hz
 } // namespace
 
@@ -27,7 +26,7 @@ struct SweepSynthesis::Pass {
     double step(double frequency) const {
         if (!log)
             return rate / kSampleRate;
-        return (frequency > 1.0 ? frequency * kLogLaw : kLogLaw) * rate / kSampleRate;
+        return (frequency > 1.0 ? frequency * kSweepLogLaw : kSweepLogLaw) * rate / kSampleRate;
     }
 
     double start, end, rate;

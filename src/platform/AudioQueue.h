@@ -41,6 +41,7 @@ struct QueueState {
     };
     Phase phase = Phase::Stopped;
     std::string deviceName;     ///< name of the device the stream is really on; empty while unknown
+    std::string deviceUid;      ///< the same device's persistent UID
     std::uint32_t openings = 0; ///< how many streams the queue has had: one more after every trouble
     bool moved = false;         ///< the server has put the stream on another device than the one asked for
     std::uint64_t underruns =

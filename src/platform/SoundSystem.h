@@ -59,6 +59,10 @@ public:
     /// The power of an input volume that samples are multiplied by. Mixers take the cube, nearer to the ear.
     virtual double inputVolumeExponent() const { return 3.0; }
 
+    /// Gives every device whose input volume was set the one that it had before that. Waits a fifth of a
+    /// second at most for the answer, so that the program may end then.
+    virtual Status restoreInputVolumes() = 0;
+
     /// Sends a device's input straight to its output (channel 0 is the whole device).
     virtual Status setPlayThrough(AudioDeviceID device, std::uint32_t channel, std::uint32_t enabled) = 0;
 

@@ -26,6 +26,8 @@ public:
     /// Restores the window and starts to listen. Once.
     void awakeFromNib();
 
+    void refreshDevices() override { source_->refreshDevices(); }
+
     const ScopeControls& controls() const { return controls_; }
     const ScopeCapture& capture() const { return capture_; }
 

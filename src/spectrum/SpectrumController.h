@@ -28,6 +28,8 @@ public:
     /// Restores the window and starts to listen. Once.
     void awakeFromNib();
 
+    void refreshDevices() override { source_->refreshDevices(); }
+
     const SpectrumAnalysis& analysis() const { return analysis_; }
     const SpectrumDisplay& display() const { return display_; }
 

@@ -104,11 +104,21 @@ void SweepController::follow(RealSlider& slider, QLabel& readout) {
 
 void SweepController::showState() {
     ui_->sweepState->setText(describeSweep(parameters_));
+    ui_->sweepPass->setText(describePass(parameters_));
     ui_->rateUnit->setText(ui_->logSweep->isChecked() ? logRateUnit() : "Hz/s");
 }
 
 void SweepController::showWindow() {
     systemLog("- (void)showWindow");
+}
+
+void SweepController::switchOff() {
+    const bool running = parameters_.enabled.load(kRelaxed) != 0; // a one-shot pass does not tick the box
+    if (!running && !ui_->enabledCheck->isChecked())
+        return;
+    ui_->enabledCheck->setChecked(false);
+    doEnabled();
+    showState();
 }
 
 void SweepController::doStartFreq() {

@@ -32,6 +32,9 @@ public:
 
     void showWindow();
 
+    /// Unticks the sweep, also where it runs although it is not ticked.
+    void switchOff();
+
 public Q_SLOTS:
     void doStartFreq();
     void doEndFreq();

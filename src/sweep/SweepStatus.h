@@ -10,4 +10,8 @@ struct SweepParameters;
 /// when it is. Any thread.
 QString describeSweep(const SweepParameters& sweep);
 
+/// How long a pass takes from start to end (with reverse: and back), and in a logarithmic sweep how many
+/// octaves it covers a second. Any thread.
+QString describePass(const SweepParameters& sweep);
+
 } // namespace sonotrace

@@ -6,7 +6,7 @@ namespace sonotrace {
 
 LogRecord LineStatistics::logRecord() const {
     const auto write = [](const LogRecord::Values& values) {
-        systemLog("minSum:%g  maxSum:%g  minV:%g  maxV:%g", values[0], values[1], values[2], values[3]);
+        frequentLog("minSum:%g  maxSum:%g  minV:%g  maxV:%g", values[0], values[1], values[2], values[3]);
     };
     return {write, {minSum, maxSum, minV, maxV}};
 }

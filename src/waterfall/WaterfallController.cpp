@@ -283,7 +283,7 @@ QObject* WaterfallController::uploadOneFile(const QString&, const QString&, cons
 
 void WaterfallController::menuSaveWaterfallPicture() {
     if (const auto path =
-            askForFileToSave(&window_, "Choose file to save the picture to", "PNG pictures (*.png)", "png"))
+            askForFileToSave(&window_, preferences_, kPictures, "Choose file to save the picture to"))
         source_->showNotice(writeFile(*path, ui_->mainView->ReturnPNG(), "Picture saved to %1"));
 }
 

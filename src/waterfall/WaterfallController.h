@@ -32,6 +32,8 @@ public:
     /// Restores the window and starts to listen. Once.
     void awakeFromNib();
 
+    void refreshDevices() override { source_->refreshDevices(); }
+
     /// There is nothing to upload to: both do nothing, and the result means nothing.
     static void UploadThread(const char*) {}
     static QObject* uploadOneFile(const QString& file, const QString& toHost, const QString& withUserName,

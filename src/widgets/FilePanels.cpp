@@ -1,6 +1,10 @@
 #include "widgets/FilePanels.h"
 
+#include "widgets/Preferences.h"
+
 #include <QByteArray>
+#include <QDateTime>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -9,42 +13,58 @@ namespace sonotrace {
 
 namespace {
 
-std::optional<QString> run(QFileDialog& panel) {
+QString folderOf(const FileKind& kind, const Preferences& preferences) {
+    for (const QString& folder :
+         {preferences.folder(kind.folderKey), QStandardPaths::writableLocation(kind.firstFolder)}) {
+        if (!folder.isEmpty() && QFileInfo(folder).isDir())
+            return folder;
+    }
+    return QDir::homePath();
+}
+
+QString newName(const FileKind& kind) {
+    // No colons: the file may go to a disk that has none in names.
+    const QString stem = QDateTime::currentDateTime().toString("'Sonotrace 'yyyy-MM-dd HH-mm-ss");
+    return *kind.suffix ? stem + '.' + kind.suffix : stem;
+}
+
+std::optional<QString> run(QFileDialog& panel, Preferences& preferences, const FileKind& kind) {
     if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty())
         return std::nullopt;
-    return panel.selectedFiles().first();
+    const QString path = panel.selectedFiles().first();
+    preferences.setFolder(kind.folderKey, QFileInfo(path).absolutePath());
+    return path;
 }
 
 } // namespace
 
-std::optional<QString> askForFileToOpen(QWidget* parent, const QString& message) {
-    QFileDialog panel(parent, message);
+std::optional<QString> askForFileToOpen(QWidget* parent, Preferences& preferences, const FileKind& kind,
+                                        const QString& message) {
+    QFileDialog panel(parent, message, folderOf(kind, preferences));
     panel.setAcceptMode(QFileDialog::AcceptOpen);
     panel.setFileMode(QFileDialog::ExistingFile);
-    return run(panel);
+    return run(panel, preferences, kind);
 }
 
-std::optional<QString> askForFileToSave(QWidget* parent, const QString& message, const QString& filter,
-                                        const QString& suffix) {
-    QFileDialog panel(parent, message);
+std::optional<QString> askForFileToSave(QWidget* parent, Preferences& preferences, const FileKind& kind,
+                                        const QString& message) {
+    QFileDialog panel(parent, message, folderOf(kind, preferences), kind.filter);
     panel.setAcceptMode(QFileDialog::AcceptSave);
     panel.setFileMode(QFileDialog::AnyFile);
-    if (!filter.isEmpty())
-        panel.setNameFilter(filter);
-    panel.setDefaultSuffix(suffix);
-    return run(panel);
+    panel.setDefaultSuffix(kind.suffix);
+    panel.selectFile(newName(kind));
+    return run(panel, preferences, kind);
 }
 
 QString writeFile(const QString& path, const QByteArray& content, const QString& done) {
     const QFileInfo target(path);
-    const QString name = target.fileName();
     if (target.exists() && !target.isFile()) // a pipe or a device would be replaced
-        return QString("%1 cannot be written: it is not a file").arg(name);
+        return QString("%1 cannot be written: it is not a file").arg(path);
     QSaveFile file(path);
     // Flushed on its own: what fails as late as in commit() is not noticed there, and empties the file.
     const bool written = !content.isEmpty() && file.open(QIODevice::WriteOnly) &&
                          file.write(content) == content.size() && file.flush() && file.commit();
-    return written ? done.arg(name) : QString("%1 cannot be written: %2").arg(name, file.errorString());
+    return written ? done.arg(path) : QString("%1 cannot be written: %2").arg(path, file.errorString());
 }
 
 } // namespace sonotrace

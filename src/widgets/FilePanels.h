@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QStandardPaths>
 #include <QString>
 
 #include <optional>
@@ -9,14 +10,31 @@ class QWidget;
 
 namespace sonotrace {
 
-/// Asks the user for files. Nothing when the user cancels. `message` is the panel's title.
-std::optional<QString> askForFileToOpen(QWidget* parent, const QString& message);
+class Preferences;
 
-/// `filter` and `suffix` may be empty; a name typed without an extension gets the suffix.
-std::optional<QString> askForFileToSave(QWidget* parent, const QString& message, const QString& filter = {},
-                                        const QString& suffix = {});
+/// What a file panel is for. Each kind has a folder of its own, where its panels begin: the one that was used
+/// last, which the preferences keep.
+struct FileKind {
+    const char* folderKey;
+    QStandardPaths::StandardLocation firstFolder; ///< while none was used
+    const char* filter;                           ///< may be empty
+    const char* suffix;                           ///< given to a name typed without one; may be empty
+};
 
-/// Replaces a file as a whole. Gives what to tell the user: `done` with the file's name in it, or what went
+inline constexpr FileKind kSettingsFiles{"FILES_settingsFolder", QStandardPaths::DocumentsLocation, "", ""};
+inline constexpr FileKind kRecordings{"FILES_recordingFolder", QStandardPaths::MusicLocation,
+                                      "WAV files (*.wav *.WAV)", "wav"};
+inline constexpr FileKind kPictures{"FILES_pictureFolder", QStandardPaths::PicturesLocation,
+                                    "PNG pictures (*.png)", "png"};
+
+/// Asks the user for files. Nothing when the user cancels. `message` is the panel's title. A file to save is
+/// offered a name that tells when it was made.
+std::optional<QString> askForFileToOpen(QWidget* parent, Preferences& preferences, const FileKind& kind,
+                                        const QString& message);
+std::optional<QString> askForFileToSave(QWidget* parent, Preferences& preferences, const FileKind& kind,
+                                        const QString& message);
+
+/// Replaces a file as a whole. Gives what to tell the user: `done` with the file's path in it, or what went
 /// wrong.
 QString writeFile(const QString& path, const QByteArray& content, const QString& done);
 

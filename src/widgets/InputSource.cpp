@@ -41,9 +41,21 @@ void InputSource::SetSoundDevices() {
     setItems(*controls_.inputPopup, devices_.inputTitles());
 }
 
+void InputSource::refreshDevices() {
+    devices_ = AudioDeviceTable(); // what is appended to an old one's maps would not be found
+    GetSoundDevices();
+    SetSoundDevices();
+    const auto position = [this](const std::string& uid) { return devices_.inputPosition(uid); };
+    const QString trouble =
+        selectDeviceInUse(*controls_.inputPopup, position, stream_.chosen(), stream_.state());
+    if (!trouble.isEmpty())
+        showNotice(trouble);
+}
+
 void InputSource::startSound() {
     Q_EMIT aboutToStart();
     openings_ = 0;
+    return_ = DeviceReturn();
     stream_.startSound(controls_.inputPopup->currentIndex());
     Q_EMIT started();
     SetInputGainSliderVisibility();
@@ -95,6 +107,11 @@ void InputSource::keepVolume(const QueueState& state) {
 void InputSource::showState() {
     const QueueState state = stream_.state();
     keepVolume(state);
+    if (return_.isReturn(state)) {
+        if (devices_.inputPosition(stream_.chosen().uid) != controls_.inputPopup->currentIndex())
+            refreshDevices(); // its list was built while the device was away
+        showNotice(QString("%1 is back and listened to again").arg(QString::fromStdString(state.deviceName)));
+    }
     if (notice_.isValid() && !notice_.hasExpired(kNoticeTime))
         return;
     notice_.invalidate();

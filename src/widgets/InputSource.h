@@ -3,6 +3,7 @@
 #include "audio/AudioDeviceTable.h"
 #include "audio/CaptureStream.h"
 #include "audio/InputGain.h"
+#include "widgets/DeviceInUse.h"
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -35,6 +36,9 @@ public:
 
     void GetSoundDevices();
     void SetSoundDevices();
+
+    /// Builds the list and the pop-up anew. The stream goes on.
+    void refreshDevices();
 
     /// Starts listening to the selected device and sends it the slider's volume.
     void startSound();
@@ -73,7 +77,8 @@ private:
     CaptureStream stream_;
     QTimer stateTimer_;          ///< refreshes that line
     std::uint32_t openings_ = 0; ///< QueueState::openings when the volume was last sent
-    QElapsedTimer notice_;       ///< since it is shown; not valid while there is none
+    DeviceReturn return_;
+    QElapsedTimer notice_; ///< since it is shown; not valid while there is none
 };
 
 } // namespace sonotrace

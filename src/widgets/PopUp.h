@@ -16,6 +16,7 @@ inline void selectItem(QComboBox& popup, int index) {
 /// Replaces the items of a pop-up.
 inline void setItems(QComboBox& popup, const std::vector<std::string>& titles) {
     popup.clear();
+    popup.setPlaceholderText(QString()); // with one, nothing would be selected
     for (const std::string& title : titles)
         popup.addItem(QString::fromStdString(title));
 }

@@ -11,6 +11,7 @@
 #include <QScreen>
 #include <QStandardPaths>
 #include <QStringList>
+#include <QUrl>
 #include <QWidget>
 
 #include <algorithm>
@@ -22,7 +23,8 @@ namespace {
 
 constexpr int kFarAway = 1'000'000; // beyond any screen, and safe to add up
 constexpr qint64 kLargestFile = 1 << 20;
-constexpr int kGripHeight = 20; // of a title bar, to be within reach on some screen
+constexpr int kGripHeight = 20;     // of a title bar, to be within reach on some screen
+constexpr int kTitleBarHeight = 40; // at most, as desktops have them
 
 bool isWithinReach(const QRect& frame) {
     for (const QScreen* screen : QGuiApplication::screens()) {
@@ -31,6 +33,19 @@ bool isWithinReach(const QRect& frame) {
             return true;
     }
     return false;
+}
+
+/// What is larger than its screen could neither be seen as a whole nor be made smaller with the mouse.
+void fitScreen(QWidget& window) {
+    const QScreen* screen = QGuiApplication::screenAt(window.pos());
+    screen = screen ? screen : window.screen();
+    const QRect room = screen->availableGeometry().adjusted(0, 0, 0, -kTitleBarHeight);
+    const QSize fitting = window.size().boundedTo(room.size());
+    if (fitting == window.size())
+        return;
+    window.resize(fitting);
+    const QPoint last = room.bottomRight() - QPoint(fitting.width() - 1, fitting.height() - 1);
+    window.move(std::clamp(window.x(), room.left(), last.x()), std::clamp(window.y(), room.top(), last.y()));
 }
 
 } // namespace
@@ -54,6 +69,10 @@ std::int32_t Preferences::integerValue(const QString& key) const {
     return truncateToInt32(doubleValue(key));
 }
 
+QString Preferences::folder(const QString& key) const {
+    return QUrl(values_.value(key), QUrl::StrictMode).toLocalFile();
+}
+
 void Preferences::setFloat(const QString& key, double value) {
     // What no float can hold comes back as the largest one: the text of an infinity would be read as 0.
     constexpr double kMost = std::numeric_limits<float>::max();
@@ -68,6 +87,11 @@ void Preferences::setInteger(const QString& key, std::int32_t value) {
     set(key, QString::number(value));
 }
 
+void Preferences::setFolder(const QString& key, const QString& path) {
+    // A name may hold what ends or trims a line.
+    set(key, QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded));
+}
+
 QRect Preferences::frame(const QString& key) const {
     const QStringList numbers = values_.value(key).split(u' ');
     if (numbers.size() != 4)
@@ -78,12 +102,11 @@ QRect Preferences::frame(const QString& key) const {
 
 void Preferences::restoreFrame(QWidget& window, const QString& key) const {
     const QRect stored = frame(key);
-    if (!stored.isValid())
-        return;
-    if (const QScreen* screen = QGuiApplication::primaryScreen())
-        window.resize(stored.size().boundedTo(screen->virtualSize()));
-    if (isWithinReach(stored))
+    if (stored.isValid())
+        window.resize(stored.size());
+    if (stored.isValid() && isWithinReach(stored))
         window.move(stored.topLeft());
+    fitScreen(window);
 }
 
 void Preferences::setFrame(const QWidget& window, const QString& key) {

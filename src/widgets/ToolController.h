@@ -6,6 +6,7 @@
 #include <QBoxLayout>
 #include <QLabel>
 #include <QObject>
+#include <QShortcut>
 #include <QWidget>
 
 #include <initializer_list>
@@ -19,6 +20,9 @@ public:
     /// Writes what is kept into the preferences.
     void applicationWillTerminate() { stored_.store(); }
 
+    /// Builds the list of devices anew, where the window has one.
+    virtual void refreshDevices() {}
+
     QWidget& window() { return window_; }
 
 protected:
@@ -26,6 +30,7 @@ protected:
     ToolController(Preferences& preferences, const char* frameKey) : stored_(preferences, window_, frameKey) {
         systemLog("- (void)init");
         window_.setAttribute(Qt::WA_QuitOnClose, false);
+        new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_W), &window_, &window_, &QWidget::close);
     }
 
     /// The layout file holds the labels' longest texts: with room for them the sliders beside them do not

@@ -14,6 +14,9 @@
 #include <QFile>
 #include <QMainWindow>
 #include <QMenu>
+#include <QMessageBox>
+#include <QRegularExpression>
+#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QWheelEvent>
@@ -76,6 +79,16 @@ protected:
         return contents(path("phase.wav")).mid(44);
     }
 
+    /// Presses a button of the next message box.
+    void answerQuestion(const QString& button) {
+        QTimer::singleShot(0, window_, [button] {
+            const auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(box);
+            const auto buttons = box->buttons();
+            (*std::ranges::find(buttons, button, &QAbstractButton::text))->click();
+        });
+    }
+
     std::unique_ptr<DeviceListSystem> system_;
     std::unique_ptr<Preferences> store_;
     std::unique_ptr<WindowControl> control_;
@@ -120,6 +133,23 @@ TEST_F(WindowControlTest, TheMenuOpensEveryToolOnceAndThenBringsItToTheFront) {
         const auto* status = tool.findChild<QLabel*>("inputStatus"); // the sweep has none
         EXPECT_TRUE(!status || status->text() == "There is no input device") << name;
     }
+    find<QAction>("about").trigger();
+    const auto& about = find<QMessageBox>("about");
+    EXPECT_TRUE(about.text().contains("Loopback, on Built-in Loopback\n"));
+    EXPECT_EQ(about.textFormat(), Qt::PlainText);
+}
+
+TEST_F(WindowControlTest, WindowsFitTheScreenSideBySideAndCloseWithAKey) {
+    launch();
+    const QRect area = window_->screen()->availableGeometry(); // 800 x 800
+    QWidget& spectrum = open("Spectrum");
+    EXPECT_EQ(spectrum.size().boundedTo(area.size()), spectrum.size()) << "was 960 wide";
+    find<QAction>("arrangeWindows").trigger();
+    EXPECT_TRUE(area.contains(window_->frameGeometry()) && area.contains(spectrum.frameGeometry()));
+    EXPECT_FALSE(window_->frameGeometry().intersects(spectrum.frameGeometry()));
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&spectrum));
+    QTest::keyClick(&spectrum, Qt::Key_W, Qt::ControlModifier);
+    EXPECT_TRUE(!spectrum.isVisible() && window_->isVisible());
 }
 
 TEST_F(WindowControlTest, AnotherOutputDeviceIsPlayedOnAtOnce) {
@@ -131,6 +161,27 @@ TEST_F(WindowControlTest, AnotherOutputDeviceIsPlayedOnAtOnce) {
     EXPECT_EQ(record().size(), 20000) << "the stream runs again";
 }
 
+TEST_F(WindowControlTest, RefreshedListsShowTheDevicesInUseAndTheStreamsGoOn) {
+    launch();
+    choose("outputPopup", 1);
+    const QWidget& spectrum = open("Spectrum");
+    const auto refresh = [&](const std::vector<const char*>& names) {
+        std::vector<DeviceDescription> devices;
+        for (const char* name : names)
+            devices.push_back(device(static_cast<AudioDeviceID>(devices.size() + 1), name, 2, 2));
+        system_->setDevices(devices);
+        testing::internal::CaptureStderr();
+        find<QAction>("refreshDevices").trigger();
+        EXPECT_EQ(testing::internal::GetCapturedStderr().find("Stop Sound"), std::string::npos);
+        return std::pair(find<QComboBox>("outputPopup").currentText(),
+                         findControl<QComboBox>(spectrum, "inputPopup").currentText());
+    };
+    EXPECT_EQ(refresh({"New", "Line", "Speaker"}), std::pair(QString("Line"), QString("Speaker")));
+    EXPECT_EQ(refresh({"New", "Speaker"}), std::pair(QString(), QString("Speaker")));
+    EXPECT_EQ(notice(), "Line is gone");
+    EXPECT_EQ(record().size(), 20000);
+}
+
 TEST_F(WindowControlTest, TheMenuStartsAndStopsARecordingAndTheStatusBarSaysHowItGoes) {
     launch();
     auto& start = find<QAction>("doRecordingFileMenu");
@@ -138,20 +189,20 @@ TEST_F(WindowControlTest, TheMenuStartsAndStopsARecordingAndTheStatusBarSaysHowI
     EXPECT_EQ(chooseFile("doRecordingFileMenu", QString()), "Choose file to save recording to");
     EXPECT_TRUE(start.isEnabled() && !stop.isEnabled());
     EXPECT_FALSE(control_->startRecording(path("no folder/take.wav")));
-    EXPECT_EQ(notice(), "take.wav cannot be created");
+    EXPECT_EQ(notice(), path("no folder/take.wav") + " cannot be created");
     EXPECT_TRUE(control_->startRecording("/dev/full"));
     EXPECT_TRUE(!start.isEnabled() && stop.isEnabled());
     system_->advance(44100);
     control_->HalfSecTimer();
-    EXPECT_EQ(notice(), "full cannot be written: is the disk full?");
+    EXPECT_EQ(notice(), "/dev/full cannot be written: is the disk full?");
     stop.trigger();
-    EXPECT_EQ(notice(), "full could not be written completely");
+    EXPECT_EQ(notice(), "/dev/full could not be written completely");
     chooseFile("doRecordingFileMenu", path("take"));
     system_->advance(4 * 44100);
     control_->HalfSecTimer();
     EXPECT_EQ(text("recordingLabel") + notice(), "● Recording take.wav  0:04");
     stop.trigger();
-    EXPECT_EQ(text("recordingLabel") + notice(), "Recorded take.wav");
+    EXPECT_EQ(text("recordingLabel") + notice(), "Recorded " + path("take.wav"));
 }
 
 TEST_F(WindowControlTest, PhasesStartAgainFromTheButtonAndWithOpenedSettingsTheSweepsToo) {
@@ -167,6 +218,46 @@ TEST_F(WindowControlTest, PhasesStartAgainFromTheButtonAndWithOpenedSettingsTheS
     EXPECT_EQ(record(), first) << "even when it is cancelled";
 }
 
+TEST_F(WindowControlTest, AllOffSilencesWhatIsRenderedNextFromAnyWindow) {
+    writePreferences("Freq0=997.3\nVolL0=1\nEnabled0=1\n"
+                     "sweepEnd=9000\nsweepRate=1\nsweepAmplitudeRight=1\nsweepRightEnabled=1\n");
+    launch();
+    control_->allOff();
+    EXPECT_EQ(record(), QByteArray(20000, 0)) << "without a sweep window";
+    click("enabled0");
+    QWidget& sweep = open("Sweep");
+    findControl<QAbstractButton>(sweep, "oneShot").click(); // runs, and is not ticked
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&sweep));
+    testing::internal::CaptureStderr();
+    QTest::keyClick(&sweep, Qt::Key_Period, Qt::ControlModifier);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "doEnabled\n");
+    EXPECT_EQ(record(), QByteArray(20000, 0));
+    EXPECT_FALSE(find<QAbstractButton>("enabled0").isChecked());
+}
+
+TEST_F(WindowControlTest, QuittingWhileARecordingRunsAsksUnlessTheSessionEnds) {
+    launch();
+    const auto close = [&](const char* answer) {
+        EXPECT_TRUE(control_->startRecording(path("take.wav")));
+        system_->advance(5000);
+        window_->show();
+        answerQuestion(answer);
+        const bool closed = window_->close();
+        return std::pair(closed, find<QAction>("doStopRecordingFileMenu").isEnabled());
+    };
+    EXPECT_EQ(close("Cancel"), std::pair(false, true));
+    EXPECT_EQ(close("&Quit"), std::pair(true, true));
+    EXPECT_EQ(close("&Stop Recording and Quit"), std::pair(true, false));
+    EXPECT_EQ(contents(path("take.wav")).mid(40, 4).toHex(), "60ea0000") << "all three, as ever";
+    EXPECT_TRUE(control_->startRecording(path("take.wav")));
+    window_->show();
+    QTimer::singleShot(0, qApp, [] {
+        QEvent quit(QEvent::Quit);
+        QCoreApplication::sendEvent(qApp, &quit);
+    });
+    EXPECT_EQ(QApplication::exec(), 0) << "nobody answers";
+}
+
 TEST_F(WindowControlTest, ASettingsFileIsTakenAsItIsWrittenExactlyAndClampedByTheNextPoll) {
     launch();
     SettingsOfAll wild{};
@@ -174,27 +265,58 @@ TEST_F(WindowControlTest, ASettingsFileIsTakenAsItIsWrittenExactlyAndClampedByTh
     wild[1] = {1000.123456789012, 0, 0, 1, 3, 1};
     const auto block = encodeSettingsFile(wild);
     const std::string bytes(reinterpret_cast<const char*>(block.data()), 4000);
-    std::ofstream(path("wild").toStdString()) << bytes;
+    std::ofstream(path("wild").toStdString()) << bytes << "...";
     EXPECT_EQ(chooseFile("menuOpenSettings", path("wild")), "Settings file to open");
-    EXPECT_EQ(notice(), "Settings opened from wild");
+    EXPECT_EQ(notice(),
+              "Settings opened from " + path("wild") + " (3 bytes too long: perhaps no settings file)");
     EXPECT_EQ(chooseFile("menuSaveSettings", path("copy")), "Settings file to save");
-    EXPECT_EQ(notice(), "Settings saved to copy");
+    EXPECT_EQ(notice(), "Settings saved to " + path("copy"));
     EXPECT_TRUE(contents(path("copy")).toStdString() == bytes);
     control_->HalfSecTimer();
     EXPECT_EQ(slot(0).frequency, 22000);
     EXPECT_EQ(slot(1).frequency, 1000.123456789012) << "the field shows all of it";
+    window_->resize(window_->minimumSizeHint());
     control_->openSettings(path("not there"));
-    EXPECT_EQ(notice(), "not there cannot be read: no such file");
+    const auto& label = find<QLabel>("noticeLabel");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return label.height() >= label.heightForWidth(label.width()); }));
+    EXPECT_EQ(notice(), path("not there") + " cannot be read: no such file");
     const std::ofstream empty(path("empty").toStdString());
+    type("frequency1", "777");
     control_->openSettings(path("empty"));
-    EXPECT_EQ(notice(), "empty is too short for a settings file: the rest counts as zero");
+    EXPECT_EQ(notice(),
+              path("empty") + " is too short for a settings file: the rest counts as zero (0 bytes of 4000)");
+    auto& undo = find<QAction>("undoOpenSettings");
+    undo.trigger();
+    EXPECT_EQ(slot(1).frequency, 777) << "also what was typed last";
+    EXPECT_FALSE(undo.isEnabled());
+}
+
+TEST_F(WindowControlTest, FilePanelsBeginInTheFolderThatWasLastForTheKindOfFile) {
+    const std::filesystem::path music = path("music").toStdString(), odd = path(" odd=%41# ").toStdString();
+    std::filesystem::create_directories(music);
+    std::filesystem::create_directories(odd);
+    std::ofstream(path("user-dirs.dirs").toStdString()) << "XDG_MUSIC_DIR=" << music << '\n';
+    const auto offered = [&](const char* item, const QString& chosen) {
+        QString file;
+        answerFilePanel(chosen, nullptr, &file);
+        find<QAction>(item).trigger();
+        return file.replace(QRegularExpression(" \\d{4}(-\\d\\d){2} \\d\\d(-\\d\\d){2}"), "<time>");
+    };
+    launch();
+    chooseFile("menuSaveSettings", path("copy"));
+    EXPECT_EQ(offered("doRecordingFileMenu", path(" odd=%41# /take")), path("music/Sonotrace<time>.wav"));
+    find<QAction>("doStopRecordingFileMenu").trigger();
+    QMetaObject::invokeMethod(qApp, "aboutToQuit");
+    launch();
+    EXPECT_EQ(offered("doRecordingFileMenu", ""), path(" odd=%41# /Sonotrace<time>.wav"));
+    EXPECT_EQ(offered("menuSaveSettings", ""), path("Sonotrace<time>"));
 }
 
 TEST_F(WindowControlTest, WhatAllWindowsKeepComesBackAndAnyFileIsSurvived) {
     // What is found, and after a > what is left behind when that is something else. The last is a first run.
     const char* const files[] = {
         R"(Freq7=1000.1, Phase7=-45.5, VolL7=0.333, VolR7=0.25, GenType7=3, Enabled7=1, MAIN_outputPopup=1,
-           GENERATOR_WINDOW_FRAME=10 20 700 580, sweepStart=1000.1, sweepEnd=2000.2, sweepRate=-3.25,
+           MAIN_restoreInputVolumes=1, GENERATOR_WINDOW_FRAME=10 20 700 580, sweepStart=1000.1, sweepEnd=2000.2, sweepRate=-3.25,
            sweepAmplitudeLeft=0.333, sweepAmplitudeRight=0.25, sweepEnabled=1, sweepLeftEnabled=1,
            sweepRightEnabled=1, sweepReverse=1, sweepLog=1, SWEEP_WINDOW_FRAME=11 21 700 480,
            spectrumStartFreq=123.5, spectrumEndFreq=9000.5, spectrumNumAvg=7, spectrumFillCheckbox=1,
@@ -212,7 +334,7 @@ TEST_F(WindowControlTest, WhatAllWindowsKeepComesBackAndAnyFileIsSurvived) {
            Enabled0=12345678901234>Enabled0=0, MAIN_outputPopup=77>MAIN_outputPopup=0,
            waterfallEndingFreq=0, waterfallGain=2, fftSizeLog2=-30>fftSizeLog2=7,
            SCOPE_range1Text=-1e300>SCOPE_range1Text=-2, SCOPE_polarity1Button=256>SCOPE_polarity1Button=0,
-           GENERATOR_WINDOW_FRAME=2147483647 -99999 2147483647 2000000000>GENERATOR_WINDOW_FRAME=0 0 800 800)",
+           GENERATOR_WINDOW_FRAME=2147483647 -99999 2147483647 2000000000>GENERATOR_WINDOW_FRAME=0 0 800 760)",
         "Phase3=90, Enabled2=1, \u00ff garbage>Freq12=2200, [[[>VolR12=1, =>Freq0=1000, %%%>sweepEnd=20000"};
     for (const char* const file : files) {
         QString found;
@@ -229,6 +351,9 @@ TEST_F(WindowControlTest, WhatAllWindowsKeepComesBackAndAnyFileIsSurvived) {
         QTest::qWait(100);
         QMetaObject::invokeMethod(qApp, "aboutToQuit");
         const QString stored = contents(Preferences::defaultPath());
+        float volume = 0;
+        system_->getInputVolume(1, 1, volume);
+        EXPECT_EQ(volume == 1.0F, stored.contains("restoreInputVolumes=1")) << volume;
         for (const QString& line : left)
             EXPECT_TRUE(stored.contains('\n' + line + '\n')) << line.toStdString();
     }
@@ -247,7 +372,8 @@ TEST_F(WindowControlTest, AFullDiskLeavesTheFilesThatWereThere) {
     EXPECT_TRUE(!stored && said.contains("cannot be written")) << said.toStdString();
     EXPECT_EQ(contents(file), before);
     mkfifo(qPrintable(path("pipe")), 0600);
-    EXPECT_EQ(writeFile(path("pipe"), "new", "Saved %1"), "pipe cannot be written: it is not a file");
+    EXPECT_TRUE(
+        writeFile(path("pipe"), "new", "Saved %1").endsWith("pipe cannot be written: it is not a file"));
 }
 
 /// What the controls of all windows have in common, tried with a large font.

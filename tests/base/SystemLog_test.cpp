@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdlib>
 #include <fcntl.h>
 #include <string>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace sonotrace {
@@ -29,6 +31,15 @@ TEST(SystemLog, DropsAndCountsLinesThatNobodyReadsAndWaitsForNobody) {
     systemLog("and again");
     EXPECT_EQ(drain(),
               std::to_string(dropped) + " log lines were dropped, nobody read them\nread again\nand again\n");
+    struct stat log {};
+    fstat(pipe[1], &log);
+    const std::string journal = std::to_string(log.st_dev) + ":" + std::to_string(log.st_ino);
+    for (const auto& [stream, line] : {std::pair(journal, "<7>often\n"), {journal + "1", "often\n"}}) {
+        setenv("JOURNAL_STREAM", stream.c_str(), 1);
+        frequentLog("often");
+        EXPECT_EQ(drain(), line);
+    }
+    unsetenv("JOURNAL_STREAM");
     dup2(terminal, STDERR_FILENO);
     for (const int descriptor : {pipe[0], pipe[1], terminal})
         close(descriptor);

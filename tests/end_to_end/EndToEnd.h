@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <span>
 
 namespace sonotrace {
@@ -47,9 +48,16 @@ public:
     /// Asks it to quit as the end of a session does. True when it is gone, with status 0, within two seconds.
     bool quit() {
         process_.terminate();
+        return ends();
+    }
+
+    /// The same without being asked.
+    bool ends() {
         return process_.waitForFinished(2000) && process_.exitStatus() == QProcess::NormalExit &&
                process_.exitCode() == 0;
     }
+
+    void signal(int number) { ::kill(static_cast<pid_t>(process_.processId()), number); }
 
     /// What it has written so far.
     QByteArray output() {

@@ -114,6 +114,16 @@ TEST_P(Instruments, HearWhatTheirInputHearsAndMayChangeOrLoseIt) {
             },
             10000))
             << status(name).toStdString();
+    }
+    findControl<QAction>(control_->window(), "refreshDevices").trigger();
+    for (const auto& [name, hears] : tools)
+        EXPECT_TRUE(status(name).startsWith("Monitor of <b>line</b> is gone")) << status(name).toStdString();
+    QTest::qWait(2000); // what is away for less than a second may have been moved by the user
+    server_.pactl("load-module module-null-sink sink_name=line sink_properties=device.description=Line");
+    for (const auto& [name, hears] : tools) {
+        const auto back = [name = name] { return status(name).contains("is back and listened to again"); };
+        EXPECT_TRUE(QTest::qWaitFor(back, 10000)) << status(name).toStdString();
+        EXPECT_EQ(findControl<QComboBox>(window(name), "inputPopup").currentText(), "Monitor of Line");
         listenTo(name, 0);
         EXPECT_TRUE(QTest::qWaitFor(hears, 15000)) << name << " again";
     }

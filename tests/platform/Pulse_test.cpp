@@ -69,6 +69,8 @@ TEST_F(PulseTest, SetsTheVolumeOfOneInputChannelAsAMixerShowsIt) {
     float volume = 0;
     EXPECT_EQ(system_.getInputVolume(monitor, 2, volume), kNoError);
     EXPECT_EQ(volume, 0.25F);
+    EXPECT_EQ(system_.restoreInputVolumes(), kNoError);
+    EXPECT_NE(mixer().find("100% / 0.00 dB,   front-right: 65536 / 100%"), std::string::npos) << mixer();
     EXPECT_FALSE(system_.hasInputVolume(devices[3].id, 1)) << "a sink's";
 }
 
@@ -181,6 +183,7 @@ TEST(PulseHang, AServerThatHangsHoldsNobodyUp) {
     std::vector<DeviceDescription> devices;
     EXPECT_EQ(system->deviceList(devices), kNoError);
     EXPECT_EQ(system->setInputVolume(devices[0].id, 1, 0.5F), kNoError);
+    EXPECT_EQ(system->restoreInputVolumes(), kStatusTimeout);
     streams->output->stop();
     streams->play("line");
     streams.reset();

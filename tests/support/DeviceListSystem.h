@@ -22,8 +22,10 @@ public:
         return status_;
     }
 
+    void setDevices(std::vector<DeviceDescription> devices) { devices_ = std::move(devices); }
+
 private:
-    const std::vector<DeviceDescription> devices_;
+    std::vector<DeviceDescription> devices_;
     const Status status_;
 };
 

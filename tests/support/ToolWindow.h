@@ -72,16 +72,18 @@ inline void expectUsableWindow(const QWidget& window) {
 }
 
 /// Answers the next file panel: chooses `path`, or cancels when it is empty. To be called before the panel
-/// opens.
-inline void answerFilePanel(const QString& path, QString* title = nullptr) {
+/// opens. `offered` is what it would choose by itself.
+inline void answerFilePanel(const QString& path, QString* title = nullptr, QString* offered = nullptr) {
     auto* timer = new QTimer(qApp);
-    timer->callOnTimeout([timer, path, title] {
+    timer->callOnTimeout([timer, path, title, offered] {
         auto* panel = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
         if (!panel)
             return;
         timer->deleteLater();
         if (title)
             *title = panel->windowTitle();
+        if (offered)
+            *offered = panel->selectedFiles().value(0);
         // As typed: selectFile() does nothing while the name's field has the focus.
         panel->findChild<QLineEdit*>("fileNameEdit")->setText(path);
         path.isEmpty() ? panel->reject() : static_cast<QDialog*>(panel)->accept();

@@ -63,5 +63,24 @@ TEST_F(SweepWindowTest, APassIsStoredAsTheRenderHasIt) {
     }
 }
 
+TEST_F(SweepWindowTest, ThePassTakesAsLongAsItsStepsAdded) {
+    launch();
+    click("reverse");
+    const std::tuple<const char*, const char*, const char*, const char*, const char*> passes[] = {
+        {"20", "20000", "90000", "A pass takes 0.444 s", "60.24 octaves/s. A pass takes 0.331 s"},
+        {"8000", "1000", "1000", "A pass takes 14 s", "0.6697 octaves/s. A pass takes 8.96 s"},
+        {"0", "100", "5000", "A pass takes 0.04 s", "3.348 octaves/s. A pass takes 4.83 s"},
+        {"9", "9", "-5", "A pass never ends", "A pass never ends"}};
+    for (const auto& [start, end, rate, linear, logarithmic] : passes) {
+        type("startFreq", start);
+        type("endFreq", end);
+        type("rate", rate);
+        for (const char* text : {logarithmic, linear}) {
+            click("logSweep");
+            EXPECT_EQ(this->text("sweepPass"), text) << start;
+        }
+    }
+}
+
 } // namespace
 } // namespace sonotrace

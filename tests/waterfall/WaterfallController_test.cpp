@@ -77,7 +77,7 @@ TEST_F(WaterfallWindowTest, AToneIsALineThatAPictureKeeps) {
 
     answerFilePanel(folder_.filePath("waterfall"));
     click("menuSaveWaterfallPicture");
-    EXPECT_EQ(status(), "Picture saved to waterfall.png");
+    EXPECT_EQ(status(), "Picture saved to " + folder_.filePath("waterfall.png"));
     const QImage saved(folder_.filePath("waterfall.png"));
     EXPECT_EQ(saved.size(), QSize(1536, 1024));
     EXPECT_EQ(saved.pixelColor(view().width() - 5, 1024 - view().height() + middle), line);

@@ -104,6 +104,7 @@ QueueState LoopbackQueue::state() const {
     QueueState state;
     state.phase = running_ ? QueueState::Phase::Running : QueueState::Phase::Stopped;
     state.deviceName = kLoopbackDeviceName;
+    state.deviceUid = kLoopbackDeviceUid;
     state.underruns = underruns_.load(std::memory_order_relaxed);
     return state;
 }

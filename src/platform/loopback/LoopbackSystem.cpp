@@ -98,6 +98,12 @@ Status LoopbackSystem::setInputVolume(AudioDeviceID device, std::uint32_t channe
     return kNoError;
 }
 
+Status LoopbackSystem::restoreInputVolumes() {
+    for (const std::size_t channel : {0U, 1U})
+        wire_->setVolume(channel, 1.0F);
+    return kNoError;
+}
+
 Status LoopbackSystem::setPlayThrough(AudioDeviceID, std::uint32_t, std::uint32_t) {
     return kStatusUnavailable;
 }

@@ -32,6 +32,7 @@ public:
     Status getInputVolume(AudioDeviceID device, std::uint32_t channel, float& volume) override;
     Status setInputVolume(AudioDeviceID device, std::uint32_t channel, float volume) override;
     double inputVolumeExponent() const override { return 1.0; }
+    Status restoreInputVolumes() override;
     Status setPlayThrough(AudioDeviceID device, std::uint32_t channel, std::uint32_t enabled) override;
     Status newOutput(const StreamDescription& format, AudioQueue::Callback callback,
                      const QueueOptions& options, std::unique_ptr<AudioQueue>& queue) override;

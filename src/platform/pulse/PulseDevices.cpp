@@ -9,6 +9,7 @@ namespace sonotrace {
 namespace {
 
 constexpr std::chrono::milliseconds kListPatience{1000};
+constexpr std::chrono::milliseconds kRestorePatience{200};
 
 std::string text(const char* value) {
     return value ? value : "";
@@ -201,11 +202,42 @@ Status PulseDevices::setVolume(AudioDeviceID id, std::uint32_t channel, pa_volum
     const auto found = std::ranges::find(devices_, id, &PulseDevice::id);
     if (found == devices_.end() || !found->isSource || channel >= found->volume.channels)
         return kStatusNoSuchDevice;
+    before_.try_emplace(found->name, found->volume);
     found->volume.values[channel] = volume;
     ++volumeChanges_;
     forget(
         pa_context_set_source_volume_by_name(context, found->name.c_str(), &found->volume, nullptr, nullptr));
     return kNoError;
+}
+
+Status PulseDevices::restoreVolumes() {
+    std::map<std::string, pa_cvolume> before;
+    {
+        const std::lock_guard lock(mutex_);
+        before.swap(before_);
+    }
+    if (before.empty())
+        return kNoError; // nor is the lock below waited for
+    const auto onAnswer = [](pa_context*, int, void* data) {
+        auto& self = *static_cast<PulseDevices*>(data);
+        const std::lock_guard lock(self.mutex_);
+        --self.restoring_;
+        self.restored_.notify_all();
+    };
+    {
+        const PulseLock connectionLock(connection_.loop());
+        pa_context* const context = connection_.context();
+        if (!context)
+            return kStatusUnavailable;
+        const std::lock_guard lock(mutex_);
+        ++volumeChanges_;
+        restoring_ = before.size();
+        for (const auto& [name, volume] : before)
+            forget(pa_context_set_source_volume_by_name(context, name.c_str(), &volume, onAnswer, this));
+    }
+    std::unique_lock lock(mutex_);
+    const bool confirmed = restored_.wait_for(lock, kRestorePatience, [this] { return restoring_ == 0; });
+    return confirmed ? kNoError : kStatusTimeout;
 }
 
 } // namespace sonotrace

@@ -52,6 +52,9 @@ public:
     /// Sets one channel (from 0) of a source's volume.
     Status setVolume(AudioDeviceID id, std::uint32_t channel, pa_volume_t volume);
 
+    /// Gives all those sources the volumes that they had before.
+    Status restoreVolumes();
+
 private:
     struct List; ///< what one round of questions to the server has brought so far
 
@@ -72,12 +75,14 @@ private:
 
     // Shared with the window thread, under the mutex.
     std::mutex mutex_;
-    std::condition_variable knownChanged_;
+    std::condition_variable knownChanged_, restored_;
     bool known_ = false;
     std::string serverName_;
     std::vector<PulseDevice> devices_;
     std::map<std::string, AudioDeviceID> ids_; ///< by direction and name: indices are reused and shared
     std::uint64_t volumeChanges_ = 0;          ///< made by us
+    std::map<std::string, pa_cvolume> before_; ///< volumes of what we changed, by name
+    std::size_t restoring_ = 0;                ///< volumes that the server has not confirmed yet
 
     PulseConnection connection_;
 };

@@ -90,7 +90,8 @@ QueueState PulseQueue::state() const {
     const pa_usec_t flowed = flowed_.load(std::memory_order_relaxed);
     if (state.phase == QueueState::Phase::Running && pa_rtclock_now() > flowed + kFlowPatience)
         state.phase = QueueState::Phase::Waiting; // connected all the same: the server hangs
-    state.deviceName = devices_.description(state.deviceName);
+    state.deviceUid = state.deviceName;
+    state.deviceName = devices_.description(state.deviceUid);
     return state;
 }
 

@@ -60,6 +60,10 @@ Status PulseSoundSystem::setInputVolume(AudioDeviceID device, std::uint32_t chan
     return devices_.setVolume(device, channel - 1, static_cast<pa_volume_t>(std::lround(scaled)));
 }
 
+Status PulseSoundSystem::restoreInputVolumes() {
+    return devices_.restoreVolumes();
+}
+
 Status PulseSoundSystem::setPlayThrough(AudioDeviceID, std::uint32_t, std::uint32_t) {
     return kStatusUnavailable;
 }

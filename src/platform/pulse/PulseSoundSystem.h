@@ -20,6 +20,7 @@ public:
     bool hasInputVolume(AudioDeviceID device, std::uint32_t channel) override;
     Status getInputVolume(AudioDeviceID device, std::uint32_t channel, float& volume) override;
     Status setInputVolume(AudioDeviceID device, std::uint32_t channel, float volume) override;
+    Status restoreInputVolumes() override;
     Status setPlayThrough(AudioDeviceID device, std::uint32_t channel, std::uint32_t enabled) override;
     Status newOutput(const StreamDescription& format, AudioQueue::Callback callback,
                      const QueueOptions& options, std::unique_ptr<AudioQueue>& queue) override;
