@@ -14,6 +14,7 @@ struct CaptureVariant {
     RunLoop* runLoop;            ///< where buffers are delivered; null: on the queue's own thread
     bool printsEnqueue;          ///< prints the status of each enqueued buffer
     bool metersLevel;            ///< measures the level of what arrives
+    bool folds;                  ///< adds left and right
     const char* startDiagnostic; ///< text printed with the start's status; null for none
 };
 

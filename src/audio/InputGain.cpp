@@ -25,6 +25,10 @@ void InputGain::SetInputGain(int popupIndex, float gain) {
     }
 }
 
+bool InputGain::read(int popupIndex, float& volume) const {
+    return system_.getInputVolume(device(popupIndex), 1, volume) == kNoError;
+}
+
 bool InputGain::resend(int popupIndex, float gain) {
     const AudioDeviceID id = device(popupIndex);
     if (!system_.hasInputVolume(id, 1))

@@ -23,6 +23,9 @@ public:
     /// has a volume and does not take it yet.
     bool resend(int popupIndex, float gain);
 
+    /// The volume that the device has, without a word on the log; false where it has none.
+    bool read(int popupIndex, float& volume) const;
+
     /// The device's input volume; 0 when it cannot be read.
     float NewGetVolumeScalar(AudioDeviceID device, std::uint32_t channel);
 

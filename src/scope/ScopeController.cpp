@@ -2,6 +2,7 @@
 
 #include "base/SampleRate.h"
 #include "ui_ScopeWindow.h"
+#include "widgets/InputHints.h"
 #include "widgets/NumberText.h"
 #include "widgets/RealSlider.h"
 #include "widgets/TypedValue.h"
@@ -70,11 +71,13 @@ ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferen
                                  .runLoop = &runLoop,
                                  .printsEnqueue = false,
                                  .metersLevel = false,
+                                 .folds = false,
                                  .startDiagnostic = nullptr};
     source_ = std::make_unique<InputSource>(
         system, AudioDeviceTable::Variant::Input, variant,
         InputControls{ui_->inputPopup, ui_->soundInputVolume2, ui_->inputStatus},
         [this](std::span<const std::int16_t> interleaved) { capture_.capture(interleaved); });
+    source_->setHints([this](Hints& hints) { addHints(hints); });
 }
 
 ScopeController::~ScopeController() = default;
@@ -142,6 +145,23 @@ void ScopeController::takeControls() {
     }
     controls_.sweep = getSweep();
     showValues();
+}
+
+void ScopeController::addHints(Hints& hints) const {
+    QStringList states;
+    auto urgency = Hint::Urgency::Usual;
+    const std::int32_t length = displayBuflength(controls_.sweep);
+    for (const std::int32_t ch : {0, 1}) {
+        const ScopeFindings& findings = ui_->mainView->findings(ch);
+        QString state = findings.held ? "held: the level is not crossed" : "triggered";
+        if (findings.signalLength < length)
+            state += QString(", its signal ends after %1 ms")
+                         .arg(findings.signalLength * 1000.0 / kSampleRate, 0, 'f', 1);
+        if (findings.held || findings.signalLength < length)
+            urgency = Hint::Urgency::Progress;
+        states << QString("Channel %1 %2").arg(ch + 1).arg(state);
+    }
+    hints.push_back({urgency, states.join(" · ")});
 }
 
 /// Says beside each slider what its position means.

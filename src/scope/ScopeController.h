@@ -44,6 +44,7 @@ private:
     void listStoredControls();
     void takeControls();
     void showValues();
+    void addHints(Hints& hints) const;
 
     const std::unique_ptr<Ui::ScopeWindow> ui_;
     ScopeControls controls_;

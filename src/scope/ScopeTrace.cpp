@@ -1,5 +1,7 @@
 #include "scope/ScopeTrace.h"
 
+#include "platform/StreamDescription.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -43,6 +45,7 @@ void ScopeTrace::build(const ScopeControls& controls, const ScopeCapture& captur
             triggers_.search(i, capture.display(static_cast<std::int32_t>(i)),
                              {controls.trigger[i], controls.triggerPolarity[i]}, length, start);
         start = trace.triggerBase;
+        findings_[i] = {trace.held, std::clamp(kCaptureFramesPerBuffer - start, 0, length)};
 
         const auto samples = trace.samples.subspan(static_cast<std::size_t>(trace.triggerBase),
                                                    static_cast<std::size_t>(length));

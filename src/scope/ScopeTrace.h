@@ -12,6 +12,12 @@
 
 namespace sonotrace {
 
+/// What a channel's trace shows.
+struct ScopeFindings {
+    bool held = false;             ///< the level is not crossed: it is an earlier block, or none
+    std::int32_t signalLength = 0; ///< samples from the start on; behind them there is none
+};
+
 /// The traces of both channels as lines across the view, the first around three quarters of its height, the
 /// second around one quarter. Kept from redraw to redraw: the triggers remember their last blocks, and the
 /// points are allocated once. Window thread.
@@ -29,8 +35,11 @@ public:
     /// A channel's line: its start, then a corner per sample (the first of them is the start once more).
     std::span<const PlotPoint> line(std::int32_t ch) const { return lines_[ch == 0 ? 0 : 1]; }
 
+    const ScopeFindings& findings(std::int32_t ch) const { return findings_[ch == 0 ? 0 : 1]; }
+
 private:
     TriggerSearch triggers_;
+    std::array<ScopeFindings, 2> findings_;
     std::array<std::vector<PlotPoint>, 2> lines_;
 };
 

@@ -21,6 +21,9 @@ public:
     /// What is shown; both outlive the view. Until then the view stays empty.
     void setModel(const ScopeControls& controls, const ScopeCapture& capture);
 
+    /// What the picture on the screen shows of a channel.
+    const ScopeFindings& findings(std::int32_t ch) const { return trace_.findings(ch); }
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 

@@ -51,10 +51,10 @@ TriggerSearch::Trace TriggerSearch::search(std::size_t ch, ScopeSamples samples,
               length);
     HeldBlock& held = held_[ch];
     if (!position.found)
-        return {held.samples, held.triggerBase};
+        return {held.samples, held.triggerBase, true};
     std::ranges::copy(samples, held.samples.begin());
     held.triggerBase = position.triggerBase;
-    return {samples, position.triggerBase};
+    return {samples, position.triggerBase, false};
 }
 
 } // namespace sonotrace

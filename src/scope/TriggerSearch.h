@@ -33,6 +33,7 @@ public:
     struct Trace {
         std::span<const std::int16_t> samples; ///< at least 10000 from `triggerBase` on
         std::int32_t triggerBase = 0;          ///< first sample to draw
+        bool held = false;                     ///< found in an earlier block, or never
     };
 
     /// Searches channel `ch` (0 or 1) with findTrigger() and writes a line to the system log. The result

@@ -1,6 +1,7 @@
 #include "spectrum/SpectrumAnalysis.h"
 
 #include "base/Numbers.h"
+#include "base/SampleRate.h"
 
 #include <algorithm>
 #include <utility>
@@ -32,6 +33,15 @@ std::int32_t SpectrumAnalysis::waitingSamples() const {
     const auto waiting =
         static_cast<std::int32_t>(ringWriteIndex_) - static_cast<std::int32_t>(ringReadIndex_);
     return waiting < 0 ? waiting + static_cast<std::int32_t>(kRingSamples) : waiting;
+}
+
+SpectrumProgress SpectrumAnalysis::progress() const {
+    const std::int32_t blocks = std::max({numAvg_, avgCount_ + 1, 1});
+    const double samplesLeft = (blocks - avgCount_) * fftSize_ - waitingSamples() + 1.0;
+    return {.block = avgCount_ + 1,
+            .blocks = blocks,
+            .blockSeconds = fftSize_ / kSampleRate,
+            .secondsLeft = std::max(samplesLeft, 0.0) / kSampleRate};
 }
 
 void SpectrumAnalysis::store(std::span<const std::int16_t> interleaved) {

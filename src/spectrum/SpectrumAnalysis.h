@@ -17,6 +17,14 @@ namespace sonotrace {
 inline constexpr std::array<std::int32_t, 12> kSpectrumFftSizes = {64,   128,  256,   512,   1024,  2048,
                                                                    4096, 8192, 16384, 32768, 65536, 131072};
 
+/// How far the next spectrum is.
+struct SpectrumProgress {
+    std::int32_t block = 1;  ///< that is being collected, of `blocks`
+    std::int32_t blocks = 1; ///< averaged for a spectrum
+    double blockSeconds = 0; ///< that a block is long
+    double secondsLeft = 0;  ///< of sound until the spectrum, as the settings are now
+};
+
 /// Turns captured stereo into power spectra: folds it to one channel, averages consecutive blocks sample by
 /// sample, weighs the average with a data window and transforms it. Window thread.
 class SpectrumAnalysis {
@@ -38,6 +46,8 @@ public:
     double fftSize() const { return fftSize_; }
     FftWindowType windowType() const { return windowType_; }
     std::int32_t numAvg() const { return numAvg_; }
+
+    SpectrumProgress progress() const;
 
     /// Power of each bin, re² + im², mirrored upper half included: the bins of the last spectrum, followed by
     /// what longer ones before left there, or zeros. Room for more bins than the largest size has.

@@ -1,8 +1,10 @@
 #include "spectrum/SpectrumController.h"
 
 #include "base/FftWindows.h"
+#include "base/SampleRate.h"
 #include "base/SystemLog.h"
 #include "ui_SpectrumWindow.h"
+#include "widgets/InputHints.h"
 #include "widgets/TypedValue.h"
 
 #include <algorithm>
@@ -15,6 +17,8 @@ namespace {
 constexpr int kMeterInterval = 50; // ms
 constexpr int kMostAverages = 100; // from the store and with the keys; what is typed has no limit
 constexpr float kFullBrightness = 1000.0F;
+constexpr double kLongWait = 2.0;  // s, from where on what is left is said
+constexpr double kSlowBlock = 1.0; // s
 
 /// The log lines of the frequencies show part of the number's bits, the low half of the double, not the
 /// number.
@@ -39,11 +43,13 @@ SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Pr
                                  .runLoop = &runLoop,
                                  .printsEnqueue = true,
                                  .metersLevel = true,
+                                 .folds = true,
                                  .startDiagnostic = "AudioQueueStart"};
     source_ = std::make_unique<InputSource>(
         system, AudioDeviceTable::Variant::Spectrum, variant,
         InputControls{ui_->inputPopup, ui_->soundInputVolume2, ui_->inputStatus},
         [this](std::span<const std::int16_t> interleaved) { analysis_.capture(interleaved); });
+    source_->setHints([this](Hints& hints) { addHints(hints); });
 }
 
 SpectrumController::~SpectrumController() = default;
@@ -159,6 +165,27 @@ void SpectrumController::doWindow() {
 
 void SpectrumController::doInputGain() {
     systemLog("doInputGain");
+}
+
+/// Why the trace is not what it seems, or stands still.
+void SpectrumController::addHints(Hints& hints) const {
+    const double start = display_.spectrumStartFreq;
+    const double end = display_.spectrumEndFreq;
+    if (display_.logMode == 0 && start >= end)
+        hints.push_back({Hint::Urgency::Warning, "From is not below to: the trace says nothing"});
+    else if (display_.logMode == 0 && end > kSampleRate / 2.0)
+        hints.push_back({Hint::Urgency::Warning, "Above 22050 Hz the trace is mirrored"});
+    const SpectrumProgress progress = analysis_.progress();
+    if (progress.blocks > 1) {
+        QString text = QString("Averaging: block %1 of %2").arg(progress.block).arg(progress.blocks);
+        if (progress.secondsLeft > kLongWait)
+            text += ", " + waitingTime(progress.secondsLeft) + " left";
+        hints.push_back({Hint::Urgency::Progress, text});
+    } else if (progress.blockSeconds > kSlowBlock) {
+        hints.push_back({Hint::Urgency::Progress, QString("Waits for %1 samples: %2")
+                                                      .arg(analysis_.fftSize())
+                                                      .arg(waitingTime(progress.blockSeconds))});
+    }
 }
 
 void SpectrumController::updateBargraph() {

@@ -49,6 +49,7 @@ private:
     void doWindow();
     void doInputGain();
     void updateBargraph();
+    void addHints(Hints& hints) const;
 
     const std::unique_ptr<Ui::SpectrumWindow> ui_;
     SpectrumDisplay display_;

@@ -5,6 +5,7 @@
 #include "base/SampleRate.h"
 #include "base/SystemLog.h"
 #include "ui_WaterfallWindow.h"
+#include "waterfall/WaterfallFindings.h"
 #include "widgets/FilePanels.h"
 #include "widgets/NumberField.h"
 #include "widgets/Preferences.h"
@@ -59,11 +60,13 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
                                  .runLoop = nullptr,
                                  .printsEnqueue = true,
                                  .metersLevel = true,
+                                 .folds = true,
                                  .startDiagnostic = "zWaterfallQueueIn"};
     source_ = std::make_unique<InputSource>(
         system, AudioDeviceTable::Variant::Input, variant,
         InputControls{ui_->inputPopup, ui_->soundInputVolume2, ui_->inputStatus},
         [this](std::span<const std::int16_t> interleaved) { capture(interleaved); });
+    source_->setHints([this](Hints& hints) { addHints(hints); });
     // A long pass of lines must not keep the window waiting for its end.
     connect(source_.get(), &InputSource::aboutToStop, this, [this] { analysis_.interrupt(); });
     connect(source_.get(), &InputSource::aboutToStart, this, [this] { analysis_.resume(); });
@@ -206,6 +209,18 @@ void WaterfallController::updateBargraph() {
     if (redrawAsked_.exchange(0, kRelaxed) != 0)
         ui_->mainView->update();
     showDroppedSamples();
+}
+
+void WaterfallController::addHints(Hints& hints) const {
+    const WaterfallFindings findings = findingsOf(parameters_);
+    const auto warn = [&hints](bool isSo, const char* text) {
+        if (isSo)
+            hints.push_back({Hint::Urgency::Warning, text});
+    };
+    warn(findings.isPaused, "Paused by its speed-up: it takes 1 up to the FFT size");
+    warn(findings.hasEqualLevels, "Min and Max dB are equal: there are two colours only");
+    warn(findings.hasEqualLimits, "From and to are equal: all rows show the same frequency");
+    warn(findings.showsOldRows, "What lies above 22050 Hz is old: nothing can be heard there");
 }
 
 void WaterfallController::showDroppedSamples() {

@@ -65,6 +65,7 @@ private:
     void connectControls();
     void capture(std::span<const std::int16_t> interleaved);
     void updateBargraph();
+    void addHints(Hints& hints) const;
     void showDroppedSamples();
 
     SoundSystem& system_;

@@ -1,10 +1,9 @@
 #include "widgets/InputSource.h"
 
 #include "base/SystemLog.h"
-#include "widgets/PlainLabel.h"
+#include "widgets/InputHints.h"
 #include "widgets/PopUp.h"
 #include "widgets/RealSlider.h"
-#include "widgets/StreamText.h"
 
 #include <utility>
 
@@ -22,7 +21,12 @@ InputSource::InputSource(SoundSystem& system, AudioDeviceTable::Variant devices,
       variant_(devices),
       controls_(controls),
       gain_(system, devices_),
-      stream_(system, devices_, variant, std::move(capture)) {
+      stream_(system, devices_, variant,
+              [this, take = std::move(capture)](std::span<const std::int16_t> interleaved) {
+                  watch_.add(interleaved);
+                  take(interleaved);
+              }),
+      folds_(variant.folds) {
     // `activated`, not a change of index: filling the pop-up is not the user choosing a device.
     connect(controls_.inputPopup, &QComboBox::activated, this, &InputSource::doInputDevice);
     connect(controls_.soundInputVolume2, &RealSlider::valueEdited, this, &InputSource::setSoundInputVolume);
@@ -112,19 +116,39 @@ void InputSource::showState() {
             refreshDevices(); // its list was built while the device was away
         showNotice(QString("%1 is back and listened to again").arg(QString::fromStdString(state.deviceName)));
     }
+    Hints all = hints(state);
     if (notice_.isValid() && !notice_.hasExpired(kNoticeTime))
-        return;
-    notice_.invalidate();
-    say(controls_.inputPopup->count() == 0 ? "There is no input device" : describeStream(state));
+        all.push_back({Hint::Urgency::News, noticeText_});
+    controls_.inputStatus->say(std::move(all));
+}
+
+Hints InputSource::hints(const QueueState& state) {
+    if (controls_.inputPopup->count() == 0)
+        return {{Hint::Urgency::Fault, "There is no input device"}};
+    if (state.underruns > std::exchange(gaps_, state.underruns))
+        newGaps_.start();
+    Hints all = {streamHint(state, newGaps_.isValid() && !newGaps_.hasExpired(kNoticeTime))};
+    if (state.phase != QueueState::Phase::Running)
+        return all;
+    const auto append = [&all](const Hints& more) { all.insert(all.end(), more.begin(), more.end()); };
+    append(volumeHints({sliderGain(), deviceVolume(), system_.inputVolumeExponent()}));
+    append(signalHints(watch_.findings(), folds_));
+    toolHints_(all);
+    return all;
+}
+
+/// What the slider has just sent takes its time: a volume counts when it is read twice.
+std::optional<float> InputSource::deviceVolume() {
+    float volume = 0;
+    if (!gain_.read(controls_.inputPopup->currentIndex(), volume))
+        return std::nullopt;
+    return std::exchange(lastVolume_, volume) == volume ? volume : sliderGain();
 }
 
 void InputSource::showNotice(const QString& text) {
+    noticeText_ = text;
     notice_.start();
-    say(text);
-}
-
-void InputSource::say(const QString& text) {
-    showPlainly(*controls_.inputStatus, text);
+    showState();
 }
 
 } // namespace sonotrace

@@ -3,14 +3,19 @@
 #include "audio/AudioDeviceTable.h"
 #include "audio/CaptureStream.h"
 #include "audio/InputGain.h"
+#include "audio/InputWatch.h"
 #include "widgets/DeviceInUse.h"
+#include "widgets/StatusRow.h"
 
 #include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 
+#include <functional>
+#include <optional>
+#include <utility>
+
 class QComboBox;
-class QLabel;
 
 namespace sonotrace {
 
@@ -20,7 +25,7 @@ class RealSlider;
 struct InputControls {
     QComboBox* inputPopup;
     RealSlider* soundInputVolume2; ///< thousandths of the device's full volume
-    QLabel* inputStatus;           ///< what is being listened to, or what is wrong
+    StatusRow* inputStatus;        ///< what is being listened to, or what is wrong
 };
 
 /// What the three input tools share: the device table and its pop-up, the input volume, the capture stream,
@@ -47,6 +52,9 @@ public:
     /// Peak level of the first channel, 0 to 1.
     float peakLevel() { return stream_.peakLevel(); }
 
+    /// Has the tool itself asked for what it has to say beside.
+    void setHints(std::function<void(Hints& hints)> hints) { toolHints_ = std::move(hints); }
+
     /// Says something in the place of what is listened to, for a few seconds or until another device is
     /// chosen.
     void showNotice(const QString& text);
@@ -62,7 +70,8 @@ Q_SIGNALS:
 private:
     void doInputDevice();
     void showState();
-    void say(const QString& text);
+    Hints hints(const QueueState& state);
+    std::optional<float> deviceVolume();
     void setSoundInputVolume();
     void SetInputGainSliderVisibility();
     void SetInputGain(float gain);
@@ -79,6 +88,13 @@ private:
     std::uint32_t openings_ = 0; ///< QueueState::openings when the volume was last sent
     DeviceReturn return_;
     QElapsedTimer notice_; ///< since it is shown; not valid while there is none
+    QString noticeText_;
+    InputWatch watch_;
+    const bool folds_;
+    std::function<void(Hints& hints)> toolHints_ = [](Hints&) {};
+    float lastVolume_ = 0;   ///< of the device, at the last look
+    std::uint64_t gaps_ = 0; ///< QueueState::underruns at the last look
+    QElapsedTimer newGaps_;  ///< since there was one
 };
 
 } // namespace sonotrace

@@ -126,6 +126,9 @@ TEST(ScopeTrace, LinesRunFromTheTriggerAndAChannelWithoutOneKeepsItsLastBlock) {
     EXPECT_EQ(scope.trace.line(0)[3024].y, 565.12);
     EXPECT_EQ(scope.trace.line(0)[3025].y, 545);                // where the held signal ends
     EXPECT_EQ(scope.trace.line(0)[10000].x, 999.9000000000001); // 9999 * 0.1, not summed up
+    EXPECT_TRUE(scope.trace.findings(0).held && !scope.trace.findings(1).held);
+    EXPECT_EQ(scope.trace.findings(0).signalLength, 3024);
+    EXPECT_EQ(scope.trace.findings(1).signalLength, 2996);
 }
 
 TEST(ScopeTrace, HostileValuesNeverReachThePainter) {

@@ -2,6 +2,7 @@
 
 #include "support/ToolWindow.h"
 #include "widgets/LevelIndicator.h"
+#include "widgets/RealSlider.h"
 
 #include <QImage>
 
@@ -80,6 +81,32 @@ TEST_F(SpectrumWindowTest, ATonePeaksInItsBinAndColumnAndTheMeterFallsWithIt) {
 
     tone.bench.set(0, {2500, 0, 0, 0, 0, 1});
     EXPECT_TRUE(seeLevel(0));
+}
+
+TEST_F(SpectrumWindowTest, TheRowUnderTheTraceSaysWhatIsWrongWithItOrWaitedFor) {
+    const auto says = [this](const char* what) {
+        return QTest::qWaitFor([&] {
+            system_.advance(2205);
+            return status().startsWith(what);
+        });
+    };
+    Tone tone(system_);
+    tone.bench.set(0, {997, 0, 0.6, 0.6, 0, 1});
+    open();
+    EXPECT_TRUE(says("Volume is 0"));
+    find<RealSlider>("soundInputVolume2").setValue(1000);
+    EXPECT_TRUE(says("Left + right overflow"));
+    tone.bench.set(0, {997, 0, 0.6, 0, 0, 1});
+    EXPECT_TRUE(says("Loopback"));
+    type("numAvgText", "100000");
+    EXPECT_TRUE(says("Averaging: block"));
+    EXPECT_TRUE(status().contains("h left")) << "20 hours of blocks of 32768";
+    for (const AudioDeviceID device : {1U, 2U, 3U})
+        system_.setInputVolume(device, 1, 0.5F);
+    EXPECT_TRUE(says("The device stands at 50 % (-6.0 dB)"));
+    type("endFreqText", "0");
+    EXPECT_TRUE(
+        QTest::qWaitFor([this] { return find<QLabel>("inputStatus").toolTip().contains("From is not"); }));
 }
 
 } // namespace

@@ -81,6 +81,20 @@ TEST(SpectrumAnalysis, SamplesAreAveragedBeforeTheTransformWhateverChangesBetwee
 }
 
 // Of the textbook routine, operation by operation, with 64-bit mantissas.
+TEST(SpectrumAnalysis, SaysHowFarTheNextSpectrumIs) {
+    Bench bench;
+    bench.analysis.setFftSize(4096);
+    bench.analysis.setNumAvg(16);
+    bench.analysis.capture(std::vector<std::int16_t>(2 * 11025)); // two blocks and 2833 samples
+    SpectrumProgress progress = bench.analysis.progress();
+    EXPECT_EQ(std::pair(progress.block, progress.blocks), std::pair(3, 16));
+    EXPECT_DOUBLE_EQ(progress.secondsLeft, (16 * 4096 + 1 - 11025) / 44100.0);
+    bench.analysis.setNumAvg(0);
+    progress = bench.analysis.progress();
+    EXPECT_EQ(std::pair(progress.block, progress.blocks), std::pair(3, 3)) << "the next block ends it";
+    EXPECT_DOUBLE_EQ(progress.blockSeconds, 4096 / 44100.0);
+}
+
 TEST(SpectrumFft, EverySizeHasTheBitsOfTheTextbookRoutine) {
     if (std::numeric_limits<long double>::digits != 64)
         GTEST_SKIP() << "another long double";

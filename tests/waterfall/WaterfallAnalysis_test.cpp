@@ -1,5 +1,6 @@
 #include "WaterfallFixture.h"
 
+#include "waterfall/WaterfallFindings.h"
 #include "waterfall/WaterfallTransform.h"
 
 #include <algorithm>
@@ -166,6 +167,34 @@ TEST(WaterfallAnalysis, LeavesItsLogToTheWindowThreadInOrder) {
                                                       "minSum:1e+07  maxSum:0  minV:999  maxV:0\n"
                                                       "BuildNewWindowCoeffs 1 N=128\n"
                                                       "minSum:1e+07  maxSum:0  minV:999  maxV:0\n");
+}
+
+TEST(WaterfallFindings, SayWhatAUserMayNotExpect) {
+    const struct {
+        int speedup, log2;
+        double start, end;
+        float floor, ceiling;
+        bool paused, levels, limits, old;
+    } cases[] = {{1, 6, 0, 22050, 50, 100, false, false, false, false},
+                 {0, 6, 0, 22050, 50, 50, true, true, false, false},
+                 {65, 6, 700, 700, 50, 100, true, false, true, false},
+                 {65, 7, 0, 22051, 50, 100, false, false, false, true}, // the length asked for is taken up
+                 {-1, 99, 30000, 0, 50, 100, true, false, false, true}};
+    for (const auto& tried : cases) {
+        WaterfallParameters parameters{.waterfallFftLen = 64,
+                                       .fftSizeLog2 = tried.log2,
+                                       .waterfallSpeedup = tried.speedup,
+                                       .waterfallMinDB = tried.floor,
+                                       .waterfallMaxDB = tried.ceiling,
+                                       .waterfallStartFreq = tried.start,
+                                       .waterfallEndFreq = tried.end};
+        const WaterfallFindings findings = findingsOf(parameters);
+        const auto row = &tried - cases;
+        EXPECT_EQ(findings.isPaused, tried.paused) << row;
+        EXPECT_EQ(findings.hasEqualLevels, tried.levels) << row;
+        EXPECT_EQ(findings.hasEqualLimits, tried.limits) << row;
+        EXPECT_EQ(findings.showsOldRows, tried.old) << row;
+    }
 }
 
 TEST(HostileValues, LeaveTheWaterfallAsItWasWhenTheyAreGone) {

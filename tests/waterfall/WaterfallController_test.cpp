@@ -3,6 +3,7 @@
 #include "support/ToolWindow.h"
 #include "waterfall/WaterfallView.h"
 #include "widgets/LevelIndicator.h"
+#include "widgets/RealSlider.h"
 
 #include <QImage>
 
@@ -38,6 +39,10 @@ TEST_F(WaterfallWindowTest, TheEngineGetsWhatIsStoredAndWhatIsTyped) {
         type(name, "37.5 or so");
         EXPECT_EQ(parameter, 37.5) << name;
     }
+    type("speedupText", "0");
+    find<RealSlider>("soundInputVolume2").setValue(1000);
+    choose("inputPopup", 0);
+    EXPECT_TRUE(status().startsWith("Paused")) << status().toStdString();
     choose("fftSizePopup", 0);
     controller_->applicationWillTerminate();
     EXPECT_EQ(preferences_.integerValue("fftSizeLog2"), 6);
