@@ -29,22 +29,24 @@ std::int32_t truncateClamped(double value, bool tame) {
     return std::clamp(truncate(high ? 32767.0 : value, tame), -32767, 32767);
 }
 
-SONOTRACE_WIDE_VECTORS void loadWide(MixBlock& block, const std::int16_t* samples, std::size_t frames) {
-    for (std::size_t i = 0; i < frames; ++i) {
-        block.left[i] = samples[2 * i];
-        block.right[i] = samples[2 * i + 1];
+} // namespace
+
+SONOTRACE_WIDE_VECTORS void load(MixBlock& block, std::span<const std::int16_t> interleaved) {
+    for (std::size_t i = 0; i < interleaved.size() / 2; ++i) {
+        block.left[i] = interleaved[2 * i];
+        block.right[i] = interleaved[2 * i + 1];
     }
 }
 
-SONOTRACE_WIDE_VECTORS void storeWide(const MixBlock& block, std::int16_t* samples, std::size_t frames) {
-    for (std::size_t i = 0; i < frames; ++i) {
-        samples[2 * i] = static_cast<std::int16_t>(block.left[i]);
-        samples[2 * i + 1] = static_cast<std::int16_t>(block.right[i]);
+SONOTRACE_WIDE_VECTORS void store(const MixBlock& block, std::span<std::int16_t> interleaved) {
+    for (std::size_t i = 0; i < interleaved.size() / 2; ++i) {
+        interleaved[2 * i] = static_cast<std::int16_t>(block.left[i]);
+        interleaved[2 * i + 1] = static_cast<std::int16_t>(block.right[i]);
     }
 }
 
-SONOTRACE_WIDE_VECTORS void mixWide(MixBlock& block, const MixValues& values, std::size_t frames,
-                                    StereoGain gain, bool fits) {
+SONOTRACE_WIDE_VECTORS void mix(MixBlock& block, const MixValues& values, std::size_t frames, StereoGain gain,
+                                bool fits) {
     for (std::size_t i = 0; i < frames; ++i) {
         const double left = block.left[i] + values[i] * gain.left;
         const double right = block.right[i] + values[i] * gain.right;
@@ -53,47 +55,27 @@ SONOTRACE_WIDE_VECTORS void mixWide(MixBlock& block, const MixValues& values, st
     }
 }
 
-SONOTRACE_WIDE_VECTORS void mixDrawsWide(std::int16_t* samples, const std::uint32_t* draws, std::size_t count,
-                                         StereoGain gain, bool tame) {
-    for (std::size_t i = 0; i < count; i += 2) {
+SONOTRACE_WIDE_VECTORS void mixDraws(std::span<std::int16_t> interleaved, const std::uint32_t* draws,
+                                     StereoGain gain) {
+    const bool tame = isTame(gain);
+    for (std::size_t i = 0; i < interleaved.size(); i += 2) {
         const auto left = static_cast<std::int32_t>(draws[i] & 0x7FFFU);
         const auto right = static_cast<std::int32_t>(draws[i + 1] & 0x7FFFU);
-        samples[i] = wrapToSample(truncate(samples[i] + left * gain.left, tame));
-        samples[i + 1] = wrapToSample(truncate(samples[i + 1] + right * gain.right, tame));
+        interleaved[i] = wrapToSample(truncate(interleaved[i] + left * gain.left, tame));
+        interleaved[i + 1] = wrapToSample(truncate(interleaved[i + 1] + right * gain.right, tame));
     }
 }
 
-SONOTRACE_WIDE_VECTORS void mixClampedWide(std::int16_t* samples, const double* values, std::size_t frames,
-                                           StereoGain gain, bool tame) {
+SONOTRACE_WIDE_VECTORS void mixClamped(std::span<std::int16_t> interleaved, const MixValues& values,
+                                       StereoGain gain) {
+    const bool tame = isTame(gain);
     double contributions[2 * kMixFrames];
-    for (std::size_t i = 0; i < frames; ++i) {
+    for (std::size_t i = 0; i < interleaved.size() / 2; ++i) {
         contributions[2 * i] = values[i] * gain.left;
         contributions[2 * i + 1] = values[i] * gain.right;
     }
-    for (std::size_t i = 0; i < 2 * frames; ++i)
-        samples[i] = wrapToSample(samples[i] + truncateClamped(contributions[i] * 32768.0, tame));
-}
-
-} // namespace
-
-void load(MixBlock& block, std::span<const std::int16_t> interleaved) {
-    loadWide(block, interleaved.data(), interleaved.size() / 2);
-}
-
-void store(const MixBlock& block, std::span<std::int16_t> interleaved) {
-    storeWide(block, interleaved.data(), interleaved.size() / 2);
-}
-
-void mix(MixBlock& block, const MixValues& values, std::size_t frames, StereoGain gain, bool fits) {
-    mixWide(block, values, frames, gain, fits);
-}
-
-void mixDraws(std::span<std::int16_t> interleaved, const std::uint32_t* draws, StereoGain gain) {
-    mixDrawsWide(interleaved.data(), draws, interleaved.size(), gain, isTame(gain));
-}
-
-void mixClamped(std::span<std::int16_t> interleaved, const MixValues& values, StereoGain gain) {
-    mixClampedWide(interleaved.data(), values.data(), interleaved.size() / 2, gain, isTame(gain));
+    for (std::size_t i = 0; i < interleaved.size(); ++i)
+        interleaved[i] = wrapToSample(interleaved[i] + truncateClamped(contributions[i] * 32768.0, tame));
 }
 
 void negate(std::span<std::int16_t> samples) {
