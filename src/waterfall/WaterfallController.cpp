@@ -25,10 +25,6 @@ constexpr int kMeterInterval = 50; // ms
 constexpr int kLeastStoredLog2 = 7;
 constexpr int kMenuSizes = 12;
 
-QString decibels(const char* format, double value) {
-    return QString::asprintf(format, truncateToInt32(value));
-}
-
 } // namespace
 
 WaterfallController::WaterfallController(SoundSystem& system, Preferences& preferences)
@@ -41,6 +37,13 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
       measurement_(parameters_) {
     ui_->setupUi(&window_);
     keepRoom({ui_->minDBText, ui_->maxDBText});
+    const auto showLevel = [this](const RealSlider* slider, QLabel* label, const char* format) {
+        connect(slider, &RealSlider::doubleValueChanged, label, [label, format](double value) {
+            label->setText(QString::asprintf(format, truncateToInt32(value)));
+        });
+    };
+    showLevel(ui_->minDbSlider, ui_->minDBText, "Min dB: %d");
+    showLevel(ui_->maxDbSlider, ui_->maxDBText, "Max dB: %d");
     const CaptureVariant variant{.streamName = "Waterfall",
                                  .runLoop = nullptr,
                                  .printsEnqueue = true,
@@ -186,8 +189,6 @@ void WaterfallController::updateBargraph() {
     parameters_.colorWaterfallPlot.store(ui_->colorButton->isChecked() ? 1 : 0, kRelaxed);
     parameters_.waterfallMaxDB.store(static_cast<float>(ui_->maxDbSlider->doubleValue()), kRelaxed);
     parameters_.waterfallMinDB.store(static_cast<float>(ui_->minDbSlider->doubleValue()), kRelaxed);
-    ui_->minDBText->setText(decibels("Min dB: %d", ui_->minDbSlider->doubleValue()));
-    ui_->maxDBText->setText(decibels("Max dB: %d", ui_->maxDbSlider->doubleValue()));
     log_.write();
     if (redrawAsked_.exchange(0, kRelaxed) != 0)
         ui_->mainView->update();
