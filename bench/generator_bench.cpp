@@ -1,11 +1,15 @@
 // The output's callback as multiples of real time, and the 60 seconds of thirteen sines that scripts/bench
-// sets beside another program's.
+// sets beside another program's; and the same sines beside calls of sin().
 
 #include "generator/OutputRender.h"
 #include "generator/WavRecorder.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <numbers>
 #include <vector>
 
 namespace sonotrace {
@@ -84,6 +88,40 @@ void oneMinuteOfThirteenSines(benchmark::State& state) {
     countRealTime(state, kBuffers);
 }
 BENCHMARK(oneMinuteOfThirteenSines)->Unit(benchmark::kMillisecond);
+
+/// Beside what it takes to call sin() for each voice and sample: in turn, because machines are noisy, and by
+/// the fastest of each.
+void thirteenSinesBesideCallsOfSin(benchmark::State& state) {
+    using Clock = std::chrono::steady_clock;
+    Bench bench;
+    bench.voices(0);
+    const auto fastest = [](Clock::duration& best, const auto& run) {
+        const auto start = Clock::now();
+        run();
+        best = std::min(best, Clock::now() - start);
+    };
+    auto ours = Clock::duration::max();
+    auto plain = Clock::duration::max();
+    for (auto _ : state) {
+        fastest(ours, [&] { bench.output.render(bench.buffer); });
+        fastest(plain, [&] {
+            for (int frame = 0; frame < kFrames; ++frame) {
+                double sum = 0;
+                for (int voice = 0; voice < kGeneratorCount; ++voice)
+                    sum += std::sin(2 * std::numbers::pi * (1000.0 + 100.0 * voice) / 44100.0 * frame);
+                const auto sample = static_cast<std::int16_t>(sum / kGeneratorCount * 32767.0);
+                bench.buffer[static_cast<std::size_t>(2 * frame)] = sample;
+                bench.buffer[static_cast<std::size_t>(2 * frame + 1)] = sample;
+            }
+        });
+        benchmark::DoNotOptimize(bench.buffer.data());
+    }
+    using Milliseconds = std::chrono::duration<double, std::milli>;
+    state.counters["render_ms"] = Milliseconds(ours).count();
+    state.counters["sin_ms"] = Milliseconds(plain).count();
+    state.counters["ratio"] = static_cast<double>(plain.count()) / static_cast<double>(ours.count());
+}
+BENCHMARK(thirteenSinesBesideCallsOfSin);
 
 } // namespace
 } // namespace sonotrace

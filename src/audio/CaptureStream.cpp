@@ -34,8 +34,7 @@ void CaptureStream::receive(AudioQueue& queue, AudioQueueBuffer& buffer) {
 
 float CaptureStream::peakLevel() {
     LevelMeter channels[2];
-    // A stream that has come to a standstill hears nothing, whatever it has measured last.
-    if (state().phase != QueueState::Phase::Running || queue_.get()->currentLevelMeter(channels) != kNoError)
+    if (!queue_.get() || queue_.get()->currentLevelMeter(channels) != kNoError)
         return 0.0F;
     return channels[0].peakPower;
 }

@@ -6,78 +6,76 @@
 #include <algorithm>
 #include <cmath>
 
-// The inner loops are written for the compiler's vectoriser, for which a conversion may have no condition
-// around it: a number that does not fit is exchanged for one that does, and then all are converted. `tame`
-// says that all fit, and the compiler makes a loop without the question of it.
+// The loops are written for the compiler's vectoriser, which makes two of each that asks a flag.
 
 namespace sonotrace {
 
 namespace {
 
-constexpr double k2To31 = 2147483648.0;
 constexpr double k2To63 = 9223372036854775808.0;
-constexpr double kTameGain = 1000.0; // x a million is within 32 bits
 
+/// Of gains for which all sums and noises are within 32 bits.
 bool isTame(StereoGain gain) {
-    return std::abs(gain.left) <= kTameGain && std::abs(gain.right) <= kTameGain;
+    return std::abs(gain.left) <= 1000.0 && std::abs(gain.right) <= 1000.0;
 }
 
-SONOTRACE_WIDE_VECTORS void spread(double* contributions, const double* values, std::size_t frames,
-                                   double left, double right) {
-    for (std::size_t i = 0; i < frames; ++i) {
-        contributions[2 * i] = values[i] * left;
-        contributions[2 * i + 1] = values[i] * right;
-    }
-}
-
-SONOTRACE_WIDE_VECTORS void spreadIntegers(double* contributions, const std::int32_t* values,
-                                           std::size_t frames, double left, double right) {
-    for (std::size_t i = 0; i < frames; ++i) {
-        contributions[2 * i] = static_cast<double>(values[2 * i]) * left;
-        contributions[2 * i + 1] = static_cast<double>(values[2 * i + 1]) * right;
-    }
-}
-
-/// Adds as addToSample() does.
-SONOTRACE_WIDE_VECTORS void add(std::int16_t* samples, const double* contributions, std::size_t count,
-                                bool tame) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const double sum = static_cast<double>(samples[i]) + contributions[i];
-        const bool fits = tame || std::abs(sum) < k2To31;
-        samples[i] = wrapToSample(static_cast<std::int32_t>(fits ? sum : -k2To31));
-    }
+std::int32_t truncate(double value, bool tame) {
+    return tame ? static_cast<std::int32_t>(value) : truncateToInt32(value);
 }
 
 /// What lies beyond 64 bits, and NaN, counts as the lowest number whatever its sign.
-SONOTRACE_WIDE_VECTORS void addClamped(std::int16_t* samples, const double* contributions, std::size_t count,
-                                       bool tame) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const double value = contributions[i] * 32768.0;
-        const double limit = value > 0.0 && value < k2To63 ? 32767.0 : -32767.0;
-        const bool fits = tame || std::abs(value) < k2To31;
-        const auto integer = static_cast<std::int32_t>(fits ? value : limit);
-        samples[i] = wrapToSample(samples[i] + std::clamp(integer, -32767, 32767));
-    }
+std::int32_t truncateClamped(double value, bool tame) {
+    const bool high = !tame && value > 32767.0 && value < k2To63;
+    return std::clamp(truncate(high ? 32767.0 : value, tame), -32767, 32767);
 }
 
 } // namespace
 
-void mixMono(std::span<std::int16_t> interleaved, std::span<const double> values, StereoGain gain) {
-    double contributions[2 * kMixFrames];
-    spread(contributions, values.data(), values.size(), gain.left, gain.right);
-    add(interleaved.data(), contributions, interleaved.size(), isTame(gain));
+SONOTRACE_WIDE_VECTORS void load(MixBlock& block, std::span<const std::int16_t> interleaved) {
+    for (std::size_t i = 0; i < interleaved.size() / 2; ++i) {
+        block.left[i] = interleaved[2 * i];
+        block.right[i] = interleaved[2 * i + 1];
+    }
 }
 
-void mixStereo(std::span<std::int16_t> interleaved, std::span<const std::int32_t> values, StereoGain gain) {
-    double contributions[2 * kMixFrames];
-    spreadIntegers(contributions, values.data(), values.size() / 2, gain.left, gain.right);
-    add(interleaved.data(), contributions, interleaved.size(), isTame(gain));
+SONOTRACE_WIDE_VECTORS void store(const MixBlock& block, std::span<std::int16_t> interleaved) {
+    for (std::size_t i = 0; i < interleaved.size() / 2; ++i) {
+        interleaved[2 * i] = static_cast<std::int16_t>(block.left[i]);
+        interleaved[2 * i + 1] = static_cast<std::int16_t>(block.right[i]);
+    }
 }
 
-void mixClamped(std::span<std::int16_t> interleaved, std::span<const double> values, StereoGain gain) {
+SONOTRACE_WIDE_VECTORS void mix(MixBlock& block, const MixValues& values, std::size_t frames, StereoGain gain,
+                                bool fits) {
+    for (std::size_t i = 0; i < frames; ++i) {
+        const double left = block.left[i] + values[i] * gain.left;
+        const double right = block.right[i] + values[i] * gain.right;
+        block.left[i] = fits ? static_cast<std::int32_t>(left) : wrapToSample(truncateToInt32(left));
+        block.right[i] = fits ? static_cast<std::int32_t>(right) : wrapToSample(truncateToInt32(right));
+    }
+}
+
+SONOTRACE_WIDE_VECTORS void mixDraws(std::span<std::int16_t> interleaved, const std::uint32_t* draws,
+                                     StereoGain gain) {
+    const bool tame = isTame(gain);
+    for (std::size_t i = 0; i < interleaved.size(); i += 2) {
+        const auto left = static_cast<std::int32_t>(draws[i] & 0x7FFFU);
+        const auto right = static_cast<std::int32_t>(draws[i + 1] & 0x7FFFU);
+        interleaved[i] = wrapToSample(truncate(interleaved[i] + left * gain.left, tame));
+        interleaved[i + 1] = wrapToSample(truncate(interleaved[i + 1] + right * gain.right, tame));
+    }
+}
+
+SONOTRACE_WIDE_VECTORS void mixClamped(std::span<std::int16_t> interleaved, const MixValues& values,
+                                       StereoGain gain) {
+    const bool tame = isTame(gain);
     double contributions[2 * kMixFrames];
-    spread(contributions, values.data(), values.size(), gain.left, gain.right);
-    addClamped(interleaved.data(), contributions, interleaved.size(), isTame(gain));
+    for (std::size_t i = 0; i < interleaved.size() / 2; ++i) {
+        contributions[2 * i] = values[i] * gain.left;
+        contributions[2 * i + 1] = values[i] * gain.right;
+    }
+    for (std::size_t i = 0; i < interleaved.size(); ++i)
+        interleaved[i] = wrapToSample(interleaved[i] + truncateClamped(contributions[i] * 32768.0, tame));
 }
 
 void negate(std::span<std::int16_t> samples) {

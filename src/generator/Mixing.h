@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -11,20 +13,32 @@ struct StereoGain {
     double right = 0;
 };
 
-/// Frames that the waveform routines work on at a time: small enough for local arrays that stay in the cache.
-inline constexpr std::size_t kMixFrames = 250;
+/// Frames that are mixed at a time: few enough for what all voices make of them to stay in the cache. A
+/// multiple of four.
+inline constexpr std::size_t kMixFrames = 248;
 
-/// Adds value x gain to each channel of each frame: summed in double, truncated toward zero, wrapped to 16
-/// bits. `interleaved` holds two samples a value, at most kMixFrames frames. `values` lie within a million of
-/// zero; gains may be anything.
-void mixMono(std::span<std::int16_t> interleaved, std::span<const double> values, StereoGain gain);
+/// What a voice makes of them.
+using MixValues = std::array<double, kMixFrames>;
 
-/// The same with a value of its own for each sample, of at most 16 bits.
-void mixStereo(std::span<std::int16_t> interleaved, std::span<const std::int32_t> values, StereoGain gain);
+/// Frames of the output while voices are added to them: their samples as doubles, a channel at a time.
+struct MixBlock {
+    alignas(32) MixValues left;
+    alignas(32) MixValues right;
+};
+
+void load(MixBlock& block, std::span<const std::int16_t> interleaved);
+void store(const MixBlock& block, std::span<std::int16_t> interleaved);
+
+/// Adds value x gain to each channel: summed in double, truncated toward zero, wrapped to 16 bits. `fits`
+/// says that no sum has to be wrapped; without it, gains may be anything.
+void mix(MixBlock& block, const MixValues& values, std::size_t frames, StereoGain gain, bool fits);
+
+/// Adds the low 15 bits of a draw x gain to each sample in the same way. Gains may be anything.
+void mixDraws(std::span<std::int16_t> interleaved, const std::uint32_t* draws, StereoGain gain);
 
 /// Adds noise values of about -1 to 1: each contribution, value x gain x 32768, is clamped to +-32767 before
-/// it is added as an integer.
-void mixClamped(std::span<std::int16_t> interleaved, std::span<const double> values, StereoGain gain);
+/// it is added as an integer. Gains may be anything.
+void mixClamped(std::span<std::int16_t> interleaved, const MixValues& values, StereoGain gain);
 
 /// Negates every sample; -32768 stays as it is.
 void negate(std::span<std::int16_t> samples);

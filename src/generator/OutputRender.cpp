@@ -31,15 +31,19 @@ void OutputRender::render(std::span<std::int16_t> interleaved) {
         count += 1;
 
     std::ranges::fill(interleaved, std::int16_t{0});
+    std::array<Voice, kGeneratorCount> voices;
+    std::size_t sounding = 0;
     for (std::size_t i = 0; i < slots.size(); ++i) {
         const GeneratorSettings& slot = slots[i];
-        if (slot.enabled < 1 || !isSounding(slot.waveform))
-            continue;
-        const VoiceSettings voice{.frequency = slot.frequency,
+        if (slot.enabled > 0 && isSounding(slot.waveform)) {
+            voices[sounding++] = {.waveform = static_cast<WaveformType>(slot.waveform),
+                                  .frequency = slot.frequency,
                                   .phase = slot.phase,
-                                  .gain = {slot.volumeLeft / count, slot.volumeRight / count}};
-        addVoice(static_cast<WaveformType>(slot.waveform), interleaved, voice, voices_[i], commons_);
+                                  .gain = {slot.volumeLeft / count, slot.volumeRight / count},
+                                  .state = &states_[i]};
+        }
     }
+    addVoices(interleaved, std::span(voices).first(sounding), commons_);
     if (sweeping)
         sweep_.addTo(interleaved, count);
     negate(interleaved);
@@ -47,8 +51,8 @@ void OutputRender::render(std::span<std::int16_t> interleaved) {
 }
 
 void OutputRender::resetPhases() {
-    for (VoiceState& voice : voices_)
-        voice.accumulator = 0.0; // a triangle keeps its direction
+    for (VoiceState& state : states_)
+        state.accumulator = 0.0; // a triangle keeps its direction
     sweep_.resetPhase();
 }
 

@@ -35,7 +35,7 @@ private:
     const GeneratorBank& bank_;
     SweepParameters& sweepParameters_;
     WavRecorder& recorder_;
-    std::array<VoiceState, kGeneratorCount> voices_{};
+    std::array<VoiceState, kGeneratorCount> states_{};
     VoiceCommons commons_;
     SweepSynthesis sweep_;
     std::atomic<std::int32_t> sync_{0};

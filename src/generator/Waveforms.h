@@ -27,16 +27,19 @@ struct VoiceCommons {
     double b0 = 0, b1 = 0, b2 = 0; ///< the pink filter's state; all pink voices go through one filter
 };
 
-struct VoiceSettings {
+/// A voice that sounds.
+struct Voice {
+    WaveformType waveform;
     double frequency; ///< Hz
     double phase;     ///< degrees
     StereoGain gain;  ///< the voice's volumes, its share of the full scale already taken
+    VoiceState* state;
 };
 
-/// Adds one voice's signal to a buffer of interleaved samples. Whatever the settings hold, it ends in bounded
-/// time, and a state they have spoiled recovers with sane settings.
-void addVoice(WaveformType waveform, std::span<std::int16_t> interleaved, const VoiceSettings& settings,
-              VoiceState& state, VoiceCommons& commons);
+/// Adds the voices' signals, in their order, to a silent buffer of interleaved samples. There are at most
+/// kGeneratorCount of them. Whatever the settings hold, it ends in bounded time, and a state they have
+/// spoiled recovers with sane settings.
+void addVoices(std::span<std::int16_t> interleaved, std::span<const Voice> voices, VoiceCommons& commons);
 
 /// Whether a waveform number makes a signal; "Off" and numbers outside the menu do not.
 bool isSounding(std::int32_t waveform);

@@ -80,7 +80,7 @@ public:
 
     virtual Status enableLevelMetering(bool enabled) = 0;
 
-    /// Fills one entry a channel (left, right) and starts a new measurement.
+    /// Fills one entry a channel (left, right), silence while no samples flow, and starts a new measurement.
     virtual Status currentLevelMeter(std::span<LevelMeter> channels) = 0;
 
     virtual QueueState state() const = 0;

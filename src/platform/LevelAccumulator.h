@@ -15,6 +15,9 @@ public:
     /// Off until it is switched on: add() then costs nothing. Window thread.
     void enable(bool enabled) { enabled_.store(enabled, std::memory_order_relaxed); }
 
+    /// Any thread.
+    bool isEnabled() const { return enabled_.load(std::memory_order_relaxed); }
+
     /// The queue's thread.
     void add(std::span<const std::int16_t> interleaved);
 

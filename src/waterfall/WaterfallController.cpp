@@ -31,10 +31,6 @@ constexpr double kFirstMinDb = 25.0;
 constexpr int kLeastStoredLog2 = 7;
 constexpr int kMenuSizes = 12;
 
-QString decibels(const char* format, double value) {
-    return QString::asprintf(format, truncateToInt32(value));
-}
-
 } // namespace
 
 WaterfallController::WaterfallController(SoundSystem& system, Preferences& preferences)
@@ -56,6 +52,13 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
     ui_->gainText->setLook(NumberField::Look::Unused, "Kept with the settings, and does nothing");
     ui_->minDbSlider->setFirstValue(kFirstMinDb);
     ui_->maxDbSlider->setFirstValue(kFirstMaxDb);
+    const auto showLevel = [this](const RealSlider* slider, QLabel* label, const char* format) {
+        connect(slider, &RealSlider::doubleValueChanged, label, [label, format](double value) {
+            label->setText(QString::asprintf(format, truncateToInt32(value)));
+        });
+    };
+    showLevel(ui_->minDbSlider, ui_->minDBText, "Min dB: %d");
+    showLevel(ui_->maxDbSlider, ui_->maxDBText, "Max dB: %d");
     const CaptureVariant variant{.streamName = "Waterfall",
                                  .runLoop = nullptr,
                                  .printsEnqueue = true,
@@ -203,8 +206,6 @@ void WaterfallController::updateBargraph() {
     parameters_.colorWaterfallPlot.store(ui_->colorButton->isChecked() ? 1 : 0, kRelaxed);
     parameters_.waterfallMaxDB.store(static_cast<float>(ui_->maxDbSlider->doubleValue()), kRelaxed);
     parameters_.waterfallMinDB.store(static_cast<float>(ui_->minDbSlider->doubleValue()), kRelaxed);
-    ui_->minDBText->setText(decibels("Min dB: %d", ui_->minDbSlider->doubleValue()));
-    ui_->maxDBText->setText(decibels("Max dB: %d", ui_->maxDbSlider->doubleValue()));
     log_.write();
     if (redrawAsked_.exchange(0, kRelaxed) != 0)
         ui_->mainView->update();

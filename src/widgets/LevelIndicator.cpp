@@ -5,6 +5,8 @@
 #include <QAccessible>
 #include <QPainter>
 
+#include <utility>
+
 namespace sonotrace {
 
 namespace {
@@ -16,6 +18,8 @@ const QColor kQuiet(0x2e, 0xa0, 0x43);
 const QColor kLoud(0xd2, 0x99, 0x22);
 const QColor kTooLoud(0xda, 0x36, 0x33);
 
+// The bar follows each value; a number that changes as often cannot be read.
+constexpr int kValuesPerReadout = 5;
 constexpr auto kBelowScale = "below -60 dB"; // the longest readout
 constexpr long kLowest = static_cast<long>(kLevelScaleFloor * 10);
 
@@ -48,14 +52,19 @@ void LevelIndicator::setDoubleValue(double value) {
         return std::lround(placeOnBar(bar_, decibelsOfPeak(peak)) * devicePixelRatio());
     };
     // Repaint only what can be seen: it takes a round trip to the display.
-    const long tenths = tenthsOf(value);
-    if (tenths != tenths_ || lastPixel(value) != lastPixel(value_))
+    if (lastPixel(value) != lastPixel(value_))
         update();
     value_ = value;
+    highest_ = std::max(highest_, value);
+    if (++valuesSinceReadout_ < kValuesPerReadout)
+        return;
+    const long tenths = tenthsOf(std::exchange(highest_, 0.0));
+    valuesSinceReadout_ = 0;
     if (tenths == tenths_)
         return;
     tenths_ = tenths;
     readout_ = readout(tenths);
+    update();
     if (QAccessible::isActive())
         setAccessibleDescription(QString("Input level, %1").arg(readout_));
 }

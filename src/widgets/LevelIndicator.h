@@ -7,7 +7,7 @@
 namespace sonotrace {
 
 /// A horizontal peak meter. The value is linear, 0 to 1; the bar shows it in decibels, from -60 dB to full
-/// scale.
+/// scale. Beside it stands the highest of every five values.
 class LevelIndicator : public QWidget {
     Q_OBJECT
 
@@ -33,7 +33,9 @@ private:
     QRectF bar_;
     CachedTexts texts_;
     double value_ = 0.0;
-    long tenths_;     ///< the value in tenths of a decibel
+    double highest_ = 0.0; ///< since the readout
+    int valuesSinceReadout_ = 0;
+    long tenths_;     ///< the readout in tenths of a decibel
     QString readout_; ///< and as text
 };
 

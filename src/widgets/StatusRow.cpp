@@ -1,10 +1,9 @@
 #include "widgets/StatusRow.h"
 
-#include "widgets/PlainLabel.h"
-
 #include <QPainter>
 #include <QStringList>
 #include <QStyle>
+#include <QTextDocument>
 
 #include <algorithm>
 #include <utility>
@@ -43,7 +42,8 @@ void StatusRow::say(Hints hints) {
     if (std::exchange(urgency_, urgency) != urgency)
         update();
     setText(shown.join(" · "));
-    setToolTip(plainToolTip(all.join('\n')));
+    // Names of devices are no markup.
+    setToolTip(Qt::convertFromPlainText(all.join('\n'), Qt::WhiteSpaceNormal));
     setAccessibleDescription(all.join(". "));
 }
 

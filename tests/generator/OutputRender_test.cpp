@@ -57,6 +57,12 @@ TEST(OutputRender, VoicesShareFullScaleAndSumsThatDoNotFitWrapOrCountAsTheLowest
         bench.set(1, {1, 0, volume, volume, waveform, enabled});
         EXPECT_EQ(bench.render()[0], sample) << second;
     }
+    RenderBench bench;
+    bench.set(0, {1, 360, 0.8, 0.8, 3, 1}); // its phase takes it far beyond full scale
+    bench.set(1, {1, 0, 0, 0, 4, 1});
+    bench.set(2, {1, 0, 1, 1, 6, 1}); // here the sum wraps, and is truncated from below from then on
+    bench.set(3, {1, 0, 0.1, 0.1, 6, 1});
+    EXPECT_EQ(bench.render()[0], 30312);
 }
 
 TEST(Sweep, EveryKindOfPassIsExact) {

@@ -35,13 +35,15 @@ TEST(StatusRow, TheMostUrgentHintIsSeenAndAllCanBeRead) {
 }
 
 TEST(InputHints, SayWhatIsSoInWords) {
-    const QueueState running{.phase = Phase::Running, .deviceName = "Line"};
+    QueueState running;
+    running.phase = Phase::Running;
+    running.deviceName = "Line";
     QueueState moved = running;
     moved.moved = true;
     EXPECT_EQ(streamHint(running, false).urgency, Usual);
     EXPECT_EQ(streamHint(moved, false).urgency, Warning);
     EXPECT_EQ(streamHint(running, true).text, "Samples are lost: Line");
-    EXPECT_EQ(streamHint({.phase = Phase::DeviceLost}, false).urgency, Fault);
+    EXPECT_EQ(streamHint(QueueState(), false).urgency, Fault);
 
     EXPECT_EQ(said(volumeHints({.slider = 0.5F, .device = {}, .exponent = 3})), "");
     EXPECT_EQ(said(volumeHints({.slider = 0.7F, .device = 0.7F, .exponent = 3})), "");

@@ -7,9 +7,9 @@
 namespace sonotrace {
 
 namespace {
-constexpr std::uint32_t kFragmentFrames =
-    2205; // 50 ms, which the level meters show of
-}
+constexpr std::uint32_t kMeteredFragment = 2205; // frames, 50 ms: as often as level meters are read
+constexpr std::uint32_t kFragment = 5512;        // half a buffer
+} // namespace
 
 Status PulseInputQueue::enableLevelMetering(bool enabled) {
     level_.enable(enabled);
@@ -18,6 +18,9 @@ Status PulseInputQueue::enableLevelMetering(bool enabled) {
 
 Status PulseInputQueue::currentLevelMeter(std::span<LevelMeter> channels) {
     level_.read(channels);
+    // A stream that has come to a standstill hears nothing, whatever it has measured last.
+    if (phase() != QueueState::Phase::Running)
+        std::ranges::fill(channels, LevelMeter());
     return kNoError;
 }
 
@@ -31,7 +34,7 @@ int PulseInputQueue::connectStream(pa_stream& stream, const char* device) {
     attributes.tlength = static_cast<std::uint32_t>(-1);
     attributes.prebuf = static_cast<std::uint32_t>(-1);
     attributes.minreq = static_cast<std::uint32_t>(-1);
-    attributes.fragsize = kFragmentFrames * format_.bytesPerFrame;
+    attributes.fragsize = (level_.isEnabled() ? kMeteredFragment : kFragment) * format_.bytesPerFrame;
     constexpr int kFlags = PA_STREAM_ADJUST_LATENCY | PA_STREAM_START_UNMUTED;
     return pa_stream_connect_record(&stream, device, &attributes, static_cast<pa_stream_flags_t>(kFlags));
 }

@@ -87,12 +87,18 @@ QueueState PulseQueue::state() const {
         state = state_;
     }
     state.underruns = underruns_.load(std::memory_order_relaxed);
-    const pa_usec_t flowed = flowed_.load(std::memory_order_relaxed);
-    if (state.phase == QueueState::Phase::Running && pa_rtclock_now() > flowed + kFlowPatience)
-        state.phase = QueueState::Phase::Waiting; // connected all the same: the server hangs
+    state.phase = phase();
     state.deviceUid = state.deviceName;
     state.deviceName = devices_.description(state.deviceUid);
     return state;
+}
+
+QueueState::Phase PulseQueue::phase() const {
+    const std::lock_guard lock(stateMutex_);
+    const pa_usec_t flowed = flowed_.load(std::memory_order_relaxed);
+    if (state_.phase == QueueState::Phase::Running && pa_rtclock_now() > flowed + kFlowPatience)
+        return QueueState::Phase::Waiting; // connected all the same: the server hangs
+    return state_.phase;
 }
 
 void PulseQueue::setPhase(QueueState::Phase phase) {

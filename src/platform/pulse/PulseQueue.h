@@ -30,6 +30,8 @@ public:
     QueueState state() const override;
 
 protected:
+    QueueState::Phase phase() const;
+
     PulseQueue(PulseDevices& devices, const StreamDescription& format, Callback callback,
                const QueueOptions& options);
 
