@@ -18,11 +18,14 @@ constexpr float kSameVolume = 0.006F; // mixers round to whole per cent
 
 Hint streamHint(const QueueState& state, bool hasNewGaps) {
     const QString text = describeStream(state);
+    const QString sentence = text.first(1).toUpper() + text.sliced(1);
     if (state.phase != QueueState::Phase::Running)
-        return {Fault, text};
+        return {Fault, sentence};
     if (hasNewGaps)
         return {Warning, "Samples are lost: " + text};
-    return {state.moved ? Warning : Usual, text};
+    if (state.moved)
+        return {Warning, sentence};
+    return {Usual, text};
 }
 
 Hints volumeHints(const DeviceVolume& volume) {
