@@ -31,7 +31,7 @@ int loggedBits(double value) {
 SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Preferences& preferences)
     : ToolController(preferences, "SPECTRUM_WINDOW_FRAME"),
       ui_(std::make_unique<Ui::SpectrumWindow>()),
-      analysis_([this] { ui_->mainView->update(); }) {
+      analysis_([this] { ui_->mainView->showSpectrum(); }) {
     ui_->setupUi(&window_);
     levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->analysisStrip, ui_->displayStrip});
     ui_->numAvgText->setStepLimits(1.0, kMostAverages);

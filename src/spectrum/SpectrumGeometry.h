@@ -14,6 +14,7 @@ struct SpectrumDisplay {
     std::int32_t logMode = 0;      ///< 1: logarithmic axis, 1 Hz to 10^4.3 Hz whatever the frequencies say
     std::int32_t gridMode = 0;     ///< 1: both grids with their labels
     float gridBrightness = 0;      ///< grey of the labels, 0 to 1
+    bool operator==(const SpectrumDisplay&) const = default;
 };
 
 inline constexpr double kScaleOfHeight =

@@ -57,16 +57,53 @@ QSize SpectrumView::minimumSizeHint() const {
     return {320, static_cast<int>(std::ceil(SpectrumGrid::kLowestView))};
 }
 
+void SpectrumView::showSpectrum() {
+    const Setting setting{*display_, analysis_->fftSize(), size()};
+    if (setting_ == setting) {
+        buildTrace();
+        update(paintedRows_ | traceRows());
+    } else {
+        update();
+    }
+    setting_ = setting;
+}
+
+SpectrumGeometry SpectrumView::plotGeometry() const {
+    const PlotRect bounds{0.0, 0.0, static_cast<double>(width()), static_cast<double>(height())};
+    return spectrumGeometry(bounds, *display_, analysis_->fftSize());
+}
+
+void SpectrumView::buildTrace() {
+    trace_.build(plotGeometry(), *display_, analysis_->powerSpectrum(), analysis_->fftSize());
+}
+
+/// The rows in which the trace is, or the upper ends of its bars are.
+QRect SpectrumView::traceRows() const {
+    double lowest = height();
+    double highest = 0.0;
+    const auto reach = [&](double y) {
+        lowest = std::min(lowest, y);
+        highest = std::max(highest, std::min<double>(y, height()));
+    };
+    for (const PlotPoint& point : trace_.line())
+        reach(point.y);
+    for (const PlotRect& bar : trace_.bars())
+        reach(bar.y + bar.height);
+    constexpr int kReach = 2; // of the line's width and its smooth edge
+    const int top = height() - static_cast<int>(std::ceil(highest)) - kReach;
+    const int bottom = height() - static_cast<int>(std::floor(lowest)) + kReach;
+    return QRect(0, top, width(), bottom - top) & rect();
+}
+
 void SpectrumView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), Qt::black);
     if (!analysis_)
         return;
-    const PlotRect bounds{0.0, 0.0, static_cast<double>(width()), static_cast<double>(height())};
-    const SpectrumGeometry geometry = spectrumGeometry(bounds, *display_, analysis_->fftSize());
-    trace_.build(geometry, *display_, analysis_->powerSpectrum(), analysis_->fftSize());
+    buildTrace();
+    paintedRows_ = traceRows();
     paintTrace(painter);
-    paintGrid(painter, spectrumGrid(geometry, *display_));
+    paintGrid(painter, spectrumGrid(plotGeometry(), *display_));
 }
 
 void SpectrumView::paintTrace(QPainter& painter) const {

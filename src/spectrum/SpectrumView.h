@@ -7,6 +7,8 @@
 
 #include <QWidget>
 
+#include <optional>
+
 namespace sonotrace {
 
 struct SpectrumGrid;
@@ -21,12 +23,26 @@ public:
     /// What is shown; both outlive the view. Until then the view stays empty.
     void setModel(const SpectrumAnalysis& analysis, const SpectrumDisplay& display);
 
+    /// To be called for each new spectrum: has the rows painted that its trace enters or the last one leaves.
+    void showSpectrum();
+
     QSize minimumSizeHint() const override;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    /// What the whole picture depends on, besides the spectrum.
+    struct Setting {
+        SpectrumDisplay display;
+        double fftSize;
+        QSize size;
+        bool operator==(const Setting&) const = default;
+    };
+
+    SpectrumGeometry plotGeometry() const;
+    void buildTrace();
+    QRect traceRows() const;
     void paintTrace(QPainter& painter) const;
     void paintGrid(QPainter& painter, const SpectrumGrid& grid);
     void paintLabel(QPainter& painter, const struct GridLabel& label);
@@ -34,6 +50,8 @@ private:
     const SpectrumAnalysis* analysis_ = nullptr;
     const SpectrumDisplay* display_ = nullptr;
     SpectrumTrace trace_;
+    QRect paintedRows_;              ///< of the trace on the screen
+    std::optional<Setting> setting_; ///< of the last spectrum that was shown
     CachedTexts texts_;
 };
 

@@ -1,10 +1,12 @@
 #include "spectrum/SpectrumController.h"
 
+#include "spectrum/SpectrumView.h"
 #include "support/ToolWindow.h"
 #include "widgets/LevelIndicator.h"
 #include "widgets/RealSlider.h"
 
 #include <QImage>
+#include <QScreen>
 
 #include <gtest/gtest.h>
 
@@ -81,6 +83,31 @@ TEST_F(SpectrumWindowTest, ATonePeaksInItsBinAndColumnAndTheMeterFallsWithIt) {
 
     tone.bench.set(0, {2500, 0, 0, 0, 0, 1});
     EXPECT_TRUE(seeLevel(0));
+}
+
+TEST(SpectrumView, PaintsAsMuchOfEachSpectrumAsMakesThePictureWhole) {
+    SpectrumDisplay display{.gridMode = 1, .gridBrightness = 0.7F};
+    SpectrumView view;
+    SpectrumAnalysis analysis([&view] { view.showSpectrum(); });
+    analysis.setFftSize(1024);
+    view.setModel(analysis, display);
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view));
+    for (int turn = 0; turn < 40; ++turn) {
+        display.fillMode = turn / 8 % 2;
+        display.gridBrightness = turn < 20 ? 0.7F : 0.9F;
+        view.resize(500 + turn / 13, 300);
+        std::vector<std::int16_t> frames(2 * 1025);
+        for (std::size_t i = 0; i < frames.size(); ++i)
+            frames[i] =
+                static_cast<std::int16_t>(static_cast<int>(i * i * 7919 % 65536 - 32768) >> turn % 5 * 2);
+        analysis.capture(frames);
+        QCoreApplication::processEvents();
+        const QImage seen = view.screen()->grabWindow(view.winId()).toImage();
+        QImage whole(view.size(), seen.format());
+        view.render(&whole);
+        ASSERT_EQ(seen, whole) << turn;
+    }
 }
 
 TEST_F(SpectrumWindowTest, TheRowUnderTheTraceSaysWhatIsWrongWithItOrWaitedFor) {
