@@ -52,7 +52,7 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
     ui_->gainText->setLook(NumberField::Look::Unused, "Kept with the settings, and does nothing");
     ui_->minDbSlider->setFirstValue(kFirstMinDb);
     ui_->maxDbSlider->setFirstValue(kFirstMaxDb);
-    const auto showLevel = [this](const RealSlider* slider, QLabel* label, const char* format) {
+    const auto showLevel = [](const RealSlider* slider, QLabel* label, const char* format) {
         connect(slider, &RealSlider::doubleValueChanged, label, [label, format](double value) {
             label->setText(QString::asprintf(format, truncateToInt32(value)));
         });
