@@ -19,7 +19,7 @@ void showAbout(QWidget& window, const QString& soundSystem, const QString& devic
         "Sonotrace %1, an audio test bench\n\n"
         "Free software under the GNU General Public License, version 3 or later, without any "
         "warranty.\n\n"
-        "Sound system: %2, on %3\nToolkit: Qt %4, %5\nSystem: %6\n\n"
+        "Sound system: %2, %3\nToolkit: Qt %4, %5\nSystem: %6\n\n"
         "Please attach to a report of a fault: these lines, what the program writes when it is "
         "started in a terminal, the output of \"pactl info\", and the preferences, %7";
     about->setText(text.arg(QCoreApplication::applicationVersion(), soundSystem, device, QString(qVersion()),

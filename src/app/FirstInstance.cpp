@@ -5,6 +5,7 @@
 #include <QFileInfo>
 #include <QLocalSocket>
 #include <QLockFile>
+#include <QStandardPaths>
 #include <QTimer>
 
 namespace sonotrace {
@@ -20,8 +21,8 @@ constexpr auto kGreeting = "sonotrace 1\n";
 constexpr auto kDone = "done\n";
 
 QString socketPath(const QString& preferencesPath) {
-    const QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    if (folder.isEmpty() || !QFileInfo(folder).isDir())
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    if (folder.isEmpty())
         return {};
     const QByteArray name = QFileInfo(preferencesPath).absoluteFilePath().toUtf8();
     const QByteArray hash = QCryptographicHash::hash(name, QCryptographicHash::Sha256).toHex().first(16);
@@ -106,7 +107,7 @@ void FirstInstance::hear(QLocalSocket& peer) {
         peer.abort();
         return;
     }
-    disconnect(&peer, nullptr, this, nullptr);
+    disconnect(&peer, &QLocalSocket::readyRead, this, nullptr);
     peer.write(kDone);
     peer.disconnectFromServer();
     const Request request{decoded(words.first()), decoded(words.last().trimmed())};

@@ -21,7 +21,7 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::Quit)
-            sessionEnds_ = true; // the windows are closed next
+            letSessionEnd();
         if (watched != parent() || event->type() != QEvent::Close || sessionEnds_ || mayClose_())
             return false;
         event->ignore();
@@ -29,6 +29,13 @@ public:
     }
 
 private:
+    /// The windows are closed next; whatever comes after that is another matter.
+    void letSessionEnd() {
+        sessionEnds_ = true;
+        QMetaObject::invokeMethod(
+            this, [this] { sessionEnds_ = false; }, Qt::QueuedConnection);
+    }
+
     const std::function<bool()> mayClose_;
     bool sessionEnds_ = false;
 };

@@ -67,10 +67,11 @@ void StatusLine::shareRow() {
 }
 
 void StatusLine::showNotice(const QString& text, std::chrono::milliseconds duration) {
+    const QString before = notice_->text();
     showNotice(text);
-    QTimer::singleShot(duration, this, [this, text] {
+    QTimer::singleShot(duration, this, [this, text, before] {
         if (notice_->text() == text)
-            clearNotice();
+            showNotice(before);
     });
 }
 

@@ -25,6 +25,10 @@ void InputGain::SetInputGain(int popupIndex, float gain) {
     }
 }
 
+std::string InputGain::uid(int popupIndex) const {
+    return device(popupIndex) == 0 ? std::string() : devices_.uid(static_cast<std::size_t>(popupIndex));
+}
+
 bool InputGain::read(int popupIndex, float& volume) const {
     return system_.getInputVolume(device(popupIndex), 1, volume) == kNoError;
 }

@@ -23,6 +23,9 @@ public:
     /// has a volume and does not take it yet.
     bool resend(int popupIndex, float gain);
 
+    /// The UID of the device that the volume is of; empty where there is none.
+    std::string uid(int popupIndex) const;
+
     /// The volume that the device has, without a word on the log; false where it has none.
     bool read(int popupIndex, float& volume) const;
 

@@ -56,6 +56,13 @@ void InputWatch::add(std::span<const std::int16_t> interleaved) {
     frames_.store(frames, kRelaxed);
 }
 
+void InputWatch::restart() {
+    frames_.store(0, kRelaxed);
+    clipping_.store(-1, kRelaxed);
+    overflow_.store(-1, kRelaxed);
+    sound_.store(0, kRelaxed);
+}
+
 InputFindings InputWatch::findings() const {
     const std::int64_t now = frames_.load(kRelaxed);
     return {.sinceClipping = secondsSince(clipping_.load(kRelaxed), now),

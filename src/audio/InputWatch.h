@@ -19,6 +19,9 @@ public:
     /// Takes a buffer of interleaved stereo. A finding lies at the end of its buffer.
     void add(std::span<const std::int16_t> interleaved);
 
+    /// Forgets all. Not while another thread adds.
+    void restart();
+
     /// The time without sound counts from the first sample on.
     InputFindings findings() const;
 

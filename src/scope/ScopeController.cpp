@@ -153,7 +153,10 @@ void ScopeController::addHints(Hints& hints) const {
     const std::int32_t length = displayBuflength(controls_.sweep);
     for (const std::int32_t ch : {0, 1}) {
         const ScopeFindings& findings = ui_->mainView->findings(ch);
-        QString state = findings.held ? "held: the level is not crossed" : "triggered";
+        QString state = "triggered";
+        if (findings.held)
+            state = ch == 0 ? "held: the level is not crossed"
+                            : "held: the level is not crossed behind channel 1's start";
         if (findings.signalLength < length)
             state += QString(", its signal ends after %1 ms")
                          .arg(findings.signalLength * 1000.0 / kSampleRate, 0, 'f', 1);

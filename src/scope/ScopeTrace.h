@@ -14,8 +14,8 @@ namespace sonotrace {
 
 /// What a channel's trace shows.
 struct ScopeFindings {
-    bool held = false;             ///< the level is not crossed: it is an earlier block, or none
-    std::int32_t signalLength = 0; ///< samples from the start on; behind them there is none
+    bool held = true;                  ///< no crossing was found: it is an earlier block, or none
+    std::int32_t signalLength = 10000; ///< samples from the start on; behind them there is none
 };
 
 /// The traces of both channels as lines across the view, the first around three quarters of its height, the

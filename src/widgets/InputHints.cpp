@@ -46,7 +46,7 @@ Hints signalHints(const InputFindings& findings, bool folded) {
     if (folded && findings.sinceOverflow < kShown)
         hints.push_back({Warning, "Left + right overflow: lower the volume or feed one channel"});
     if (findings.sinceClipping < kShown)
-        hints.push_back({Warning, "The input clips: lower the level before it"});
+        hints.push_back({Warning, "The input is at full scale and may clip: lower the level before it"});
     if (findings.sinceSound > kSilence)
         hints.push_back({Warning, "No signal at all: every sample is 0"});
     return hints;

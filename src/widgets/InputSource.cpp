@@ -54,12 +54,16 @@ void InputSource::refreshDevices() {
         selectDeviceInUse(*controls_.inputPopup, position, stream_.chosen(), stream_.state());
     if (!trouble.isEmpty())
         showNotice(trouble);
+    SetInputGainSliderVisibility();
 }
 
 void InputSource::startSound() {
     Q_EMIT aboutToStart();
     openings_ = 0;
     return_ = DeviceReturn();
+    watch_.restart();
+    gaps_ = 0;
+    newGaps_.invalidate();
     stream_.startSound(controls_.inputPopup->currentIndex());
     Q_EMIT started();
     SetInputGainSliderVisibility();
@@ -110,12 +114,12 @@ void InputSource::keepVolume(const QueueState& state) {
 
 void InputSource::showState() {
     const QueueState state = stream_.state();
-    keepVolume(state);
     if (return_.isReturn(state)) {
         if (devices_.inputPosition(stream_.chosen().uid) != controls_.inputPopup->currentIndex())
             refreshDevices(); // its list was built while the device was away
         showNotice(QString("%1 is back and listened to again").arg(QString::fromStdString(state.deviceName)));
     }
+    keepVolume(state);
     Hints all = hints(state);
     if (notice_.isValid() && !notice_.hasExpired(kNoticeTime))
         all.push_back({Hint::Urgency::News, noticeText_});
@@ -123,7 +127,8 @@ void InputSource::showState() {
 }
 
 Hints InputSource::hints(const QueueState& state) {
-    if (controls_.inputPopup->count() == 0)
+    const bool isListed = controls_.inputPopup->count() > 0;
+    if (!isListed && state.phase != QueueState::Phase::Running && state.phase != QueueState::Phase::Waiting)
         return {{Hint::Urgency::Fault, "There is no input device"}};
     if (state.underruns > std::exchange(gaps_, state.underruns))
         newGaps_.start();
@@ -131,16 +136,21 @@ Hints InputSource::hints(const QueueState& state) {
     if (state.phase != QueueState::Phase::Running)
         return all;
     const auto append = [&all](const Hints& more) { all.insert(all.end(), more.begin(), more.end()); };
-    append(volumeHints({sliderGain(), deviceVolume(), system_.inputVolumeExponent()}));
+    if (!isListed)
+        all.push_back(
+            {Hint::Urgency::Warning, "The list of inputs is empty: choose Tools > Refresh Devices"});
+    append(volumeHints({sliderGain(), deviceVolume(state), system_.inputVolumeExponent()}));
     append(signalHints(watch_.findings(), folds_));
     toolHints_(all);
     return all;
 }
 
 /// What the slider has just sent takes its time: a volume counts when it is read twice.
-std::optional<float> InputSource::deviceVolume() {
+/// It says nothing when the stream is on another device than the one that the slider acts on.
+std::optional<float> InputSource::deviceVolume(const QueueState& state) {
+    const int index = controls_.inputPopup->currentIndex();
     float volume = 0;
-    if (!gain_.read(controls_.inputPopup->currentIndex(), volume))
+    if (gain_.uid(index) != state.deviceUid || !gain_.read(index, volume))
         return std::nullopt;
     return std::exchange(lastVolume_, volume) == volume ? volume : sliderGain();
 }

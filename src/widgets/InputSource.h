@@ -71,7 +71,7 @@ private:
     void doInputDevice();
     void showState();
     Hints hints(const QueueState& state);
-    std::optional<float> deviceVolume();
+    std::optional<float> deviceVolume(const QueueState& state);
     void setSoundInputVolume();
     void SetInputGainSliderVisibility();
     void SetInputGain(float gain);
@@ -83,13 +83,13 @@ private:
     const InputControls controls_;
     AudioDeviceTable devices_;
     InputGain gain_;
+    InputWatch watch_; ///< before the stream, whose thread may add to it until its end
     CaptureStream stream_;
     QTimer stateTimer_;          ///< refreshes that line
     std::uint32_t openings_ = 0; ///< QueueState::openings when the volume was last sent
     DeviceReturn return_;
     QElapsedTimer notice_; ///< since it is shown; not valid while there is none
     QString noticeText_;
-    InputWatch watch_;
     const bool folds_;
     std::function<void(Hints& hints)> toolHints_ = [](Hints&) {};
     float lastVolume_ = 0;   ///< of the device, at the last look

@@ -106,7 +106,9 @@ void Preferences::restoreFrame(QWidget& window, const QString& key) const {
         window.resize(stored.size());
     if (stored.isValid() && isWithinReach(stored))
         window.move(stored.topLeft());
-    fitScreen(window);
+    // What was seen as a whole there, on several screens maybe, may be so again.
+    if (!stored.isValid() || !window.screen()->availableVirtualGeometry().contains(stored))
+        fitScreen(window);
 }
 
 void Preferences::setFrame(const QWidget& window, const QString& key) {

@@ -30,6 +30,9 @@ StatusRow::StatusRow(QWidget* parent) : QLabel(parent) {
 }
 
 void StatusRow::say(Hints hints) {
+    if (hints == said_)
+        return;
+    said_ = hints;
     std::ranges::stable_sort(hints, std::greater(), &Hint::urgency);
     QStringList shown;
     QStringList all;

@@ -17,6 +17,7 @@ struct Hint {
     };
     Urgency urgency = Urgency::Usual;
     QString text;
+    bool operator==(const Hint&) const = default;
 };
 
 using Hints = std::vector<Hint>;
@@ -39,6 +40,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    Hints said_;
     Hint::Urgency urgency_ = Hint::Urgency::Usual;
 };
 

@@ -77,12 +77,16 @@ public:
     ValueOpener(RealSlider& slider, QLabel& label, ValueNotation notation)
         : QObject(&label), slider_(slider), label_(label), notation_(std::move(notation)) {
         label.installEventFilter(this);
+        slider.installEventFilter(this);
         connect(&slider, &RealSlider::typingAsked, this, [this] { open(); });
     }
 
 protected:
-    bool eventFilter(QObject*, QEvent* event) override {
-        const bool isAsked = event->type() == QEvent::MouseButtonDblClick && slider_.isEnabled();
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::EnabledChange && watched == &slider_)
+            label_.setEnabled(slider_.isEnabled());
+        const bool isAsked =
+            watched == &label_ && event->type() == QEvent::MouseButtonDblClick && slider_.isEnabled();
         if (isAsked)
             open();
         return isAsked;

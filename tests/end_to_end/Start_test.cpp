@@ -40,9 +40,11 @@ TEST_F(Start, ASecondOneHandsOverToTheFirstThatAnswers) {
     EXPECT_TRUE(hostile.waitForConnected());
     hostile.write(QByteArray(4 << 20, 'x'));
     EXPECT_TRUE(hostile.waitForDisconnected(5000));
-    Program second(loopback_ + QStringList(SONOTRACE_PROGRAM));
-    EXPECT_TRUE(second.ends());
-    EXPECT_EQ(second.output(), "Sonotrace runs already: its window comes to the front\n");
+    for (int again = 0; again < 9; ++again) { // one more than are served at once
+        Program second(loopback_ + QStringList(SONOTRACE_PROGRAM));
+        EXPECT_TRUE(second.ends());
+        EXPECT_EQ(second.output(), "Sonotrace runs already: its window comes to the front\n");
+    }
     EXPECT_TRUE(waitFor([&] { return first.output().contains(SONOTRACE_PROGRAM "\n"); })) << "opened there";
     first.signal(SIGSTOP);
     Program third(loopback_);

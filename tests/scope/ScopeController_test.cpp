@@ -58,7 +58,8 @@ TEST_F(ScopeWindowTest, TheTracesAreTheSignalTriggeredAndScaled) {
     EXPECT_NEAR(traceAt(image, image.width() / 4, 0), 0.75 * image.height() + scale, 2);
     EXPECT_NEAR(traceAt(image, 9, image.height() / 2), 0.25 * image.height(), 2) << "the right is silent";
     choose("inputPopup", 0);
-    EXPECT_EQ(status(), "Channel 1 triggered · Channel 2 held: the level is not crossed");
+    EXPECT_EQ(status(),
+              "Channel 1 triggered · Channel 2 held: the level is not crossed behind channel 1's start");
 }
 
 } // namespace
