@@ -43,7 +43,7 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
       measurement_(parameters_) {
     ui_->setupUi(&window_);
     levelRows(*ui_->inputPopup,
-              {ui_->inputStrip, ui_->analysisStrip, ui_->measurementStrip, ui_->statusStrip});
+              {ui_->inputStrip, ui_->analysisStrip, ui_->measurementStrip, ui_->pictureStrip});
     keepRoom({ui_->minDBText, ui_->maxDBText, ui_->soundInputVolume2Value});
     showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());
     ui_->soundInputVolume2->setFirstValue(kFirstVolume, ui_->soundInputVolume2Label);

@@ -145,8 +145,8 @@ Hints InputSource::hints(const QueueState& state) {
     return all;
 }
 
-/// What the slider has just sent takes its time: a volume counts when it is read twice.
-/// It says nothing when the stream is on another device than the one that the slider acts on.
+/// Nothing when the stream is on another device than the one that the slider acts on. What the slider has
+/// just sent takes its time: another volume counts when it is read twice.
 std::optional<float> InputSource::deviceVolume(const QueueState& state) {
     const int index = controls_.inputPopup->currentIndex();
     float volume = 0;
