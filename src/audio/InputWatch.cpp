@@ -38,20 +38,24 @@ double secondsSince(std::int64_t frame, std::int64_t now) {
 
 void InputWatch::add(std::span<const std::int16_t> interleaved) {
     std::int32_t highest = 0;
-    std::int32_t highestSum = 0;
+    std::int32_t highestFolded = 0;
+    const ChannelFold fold = fold_.load(kRelaxed);
+    const std::int32_t leftSign = fold == ChannelFold::Right ? 0 : 1;
+    const std::int32_t rightSign = fold == ChannelFold::Left ? 0 : fold == ChannelFold::Difference ? -1 : 1;
     for (std::size_t i = 0; i + 1 < interleaved.size(); i += 2) {
         const std::int32_t left = interleaved[i];
         const std::int32_t right = interleaved[i + 1];
         highest = std::max({highest, magnitude(left), magnitude(right)});
         // One more negative number than positive ones has room.
-        highestSum = std::max({highestSum, left + right, -1 - left - right});
+        const std::int32_t folded = leftSign * left + rightSign * right;
+        highestFolded = std::max({highestFolded, folded, -1 - folded});
     }
     const std::int64_t frames = frames_.load(kRelaxed) + static_cast<std::int64_t>(interleaved.size() / 2);
     if (highest > 0)
         sound_.store(frames, kRelaxed);
     if (highest >= kFullScale && isClipped(interleaved))
         clipping_.store(frames, kRelaxed);
-    if (highestSum > kFullScale)
+    if (highestFolded > kFullScale)
         overflow_.store(frames, kRelaxed);
     frames_.store(frames, kRelaxed);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/ChannelFold.h"
+
 #include <atomic>
 #include <cstdint>
 #include <span>
@@ -9,7 +11,7 @@ namespace sonotrace {
 /// What the captured samples themselves say, in seconds of captured sound; infinite for never.
 struct InputFindings {
     double sinceClipping; ///< since a channel last stood at full scale for three samples
-    double sinceOverflow; ///< since left + right was last beyond 16 bits
+    double sinceOverflow; ///< since what is analysed was last beyond 16 bits
     double sinceSound;    ///< since any sample was last other than 0
 };
 
@@ -19,6 +21,9 @@ public:
     /// Takes a buffer of interleaved stereo. A finding lies at the end of its buffer.
     void add(std::span<const std::int16_t> interleaved);
 
+    /// What is analysed of the two channels; their sum at first. Any thread.
+    void setFold(ChannelFold fold) { fold_.store(fold, std::memory_order_relaxed); }
+
     /// Forgets all. Not while another thread adds.
     void restart();
 
@@ -26,6 +31,7 @@ public:
     InputFindings findings() const;
 
 private:
+    std::atomic<ChannelFold> fold_{ChannelFold::Sum};
     std::atomic<std::int64_t> frames_{0}; ///< taken so far; the others as many as were at the last finding
     std::atomic<std::int64_t> clipping_{-1};
     std::atomic<std::int64_t> overflow_{-1};

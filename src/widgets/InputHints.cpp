@@ -41,10 +41,12 @@ Hints volumeHints(const DeviceVolume& volume) {
                           .arg(20.0 * volume.exponent * std::log10(amplitude), 0, 'f', 1)}};
 }
 
-Hints signalHints(const InputFindings& findings, bool folded) {
+Hints signalHints(const InputFindings& findings, std::optional<ChannelFold> fold) {
     Hints hints;
-    if (folded && findings.sinceOverflow < kShown)
-        hints.push_back({Warning, "Left + right overflow: lower the volume or feed one channel"});
+    if (fold && findings.sinceOverflow < kShown)
+        hints.push_back({Warning, fold == ChannelFold::Difference
+                                      ? "Left - right overflows: lower the volume or feed one channel"
+                                      : "Left + right overflow: lower the volume or feed one channel"});
     if (findings.sinceClipping < kShown)
         hints.push_back({Warning, "The input is at full scale and may clip: lower the level before it"});
     if (findings.sinceSound > kSilence)

@@ -18,10 +18,10 @@ struct DeviceVolume {
 /// What there is to say about a stream. Gaps are said while they are new.
 Hint streamHint(const QueueState& state, bool hasNewGaps);
 
-/// About the volume of a stream that runs, and about what comes through it. `folded`: left and right are
-/// added.
+/// About the volume of a stream that runs, and about what comes through it. `fold`: what is analysed, if it
+/// is one signal.
 Hints volumeHints(const DeviceVolume& volume);
-Hints signalHints(const InputFindings& findings, bool folded);
+Hints signalHints(const InputFindings& findings, std::optional<ChannelFold> fold);
 
 /// A time to wait, in the unit that suits it: "3.0 s", "12 min", "5 h", "4 days".
 QString waitingTime(double seconds);

@@ -26,7 +26,7 @@ InputSource::InputSource(SoundSystem& system, AudioDeviceTable::Variant devices,
                   watch_.add(interleaved);
                   take(interleaved);
               }),
-      folds_(variant.folds) {
+      fold_(variant.folds ? std::optional(ChannelFold::Sum) : std::nullopt) {
     // `activated`, not a change of index: filling the pop-up is not the user choosing a device.
     connect(controls_.inputPopup, &QComboBox::activated, this, &InputSource::doInputDevice);
     connect(controls_.soundInputVolume2, &RealSlider::valueEdited, this, &InputSource::setSoundInputVolume);
@@ -140,7 +140,7 @@ Hints InputSource::hints(const QueueState& state) {
         all.push_back(
             {Hint::Urgency::Warning, "The list of inputs is empty: choose Tools > Refresh Devices"});
     append(volumeHints({sliderGain(), deviceVolume(state), system_.inputVolumeExponent()}));
-    append(signalHints(watch_.findings(), folds_));
+    append(signalHints(watch_.findings(), fold_));
     toolHints_(all);
     return all;
 }
@@ -153,6 +153,11 @@ std::optional<float> InputSource::deviceVolume(const QueueState& state) {
     if (gain_.uid(index) != state.deviceUid || !gain_.read(index, volume))
         return std::nullopt;
     return std::exchange(lastVolume_, volume) == volume ? volume : sliderGain();
+}
+
+void InputSource::setFold(ChannelFold fold) {
+    fold_ = fold;
+    watch_.setFold(fold);
 }
 
 void InputSource::showNotice(const QString& text) {

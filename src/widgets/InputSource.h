@@ -52,6 +52,9 @@ public:
     /// Peak level of the first channel, 0 to 1.
     float peakLevel() { return stream_.peakLevel(); }
 
+    /// What the tool analyses of the two channels.
+    void setFold(ChannelFold fold);
+
     /// Has the tool itself asked for what it has to say beside.
     void setHints(std::function<void(Hints& hints)> hints) { toolHints_ = std::move(hints); }
 
@@ -90,7 +93,7 @@ private:
     DeviceReturn return_;
     QElapsedTimer notice_; ///< since it is shown; not valid while there is none
     QString noticeText_;
-    const bool folds_;
+    std::optional<ChannelFold> fold_; ///< what the tool analyses, if it is one signal
     std::function<void(Hints& hints)> toolHints_ = [](Hints&) {};
     float lastVolume_ = 0;   ///< of the device, at the last look
     std::uint64_t gaps_ = 0; ///< QueueState::underruns at the last look

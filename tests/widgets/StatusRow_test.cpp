@@ -52,10 +52,10 @@ TEST(InputHints, SayWhatIsSoInWords) {
     EXPECT_EQ(said(volumeHints({.slider = 1.0F, .device = 0.7F, .exponent = 3})),
               "The device stands at 70 % (-9.3 dB), set elsewhere|");
 
-    EXPECT_EQ(said(signalHints({3.9, 3.9, 0.9}, false)),
+    EXPECT_EQ(said(signalHints({3.9, 3.9, 0.9}, std::nullopt)),
               "The input is at full scale and may clip: lower the level before it|");
     EXPECT_EQ(
-        said(signalHints({4.1, 3.9, 1.1}, true)),
+        said(signalHints({4.1, 3.9, 1.1}, ChannelFold::Sum)),
         "Left + right overflow: lower the volume or feed one channel|No signal at all: every sample is 0|");
 
     EXPECT_EQ(waitingTime(3.04) + waitingTime(600) + waitingTime(36000) + waitingTime(864000),

@@ -1,0 +1,136 @@
+#include "widgets/ReadingsPanel.h"
+
+#include <QAccessible>
+#include <QAction>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QStringList>
+#include <QStyle>
+#include <QStyleOptionFocusRect>
+#include <QTextDocument>
+#include <QToolTip>
+
+#include <algorithm>
+#include <utility>
+
+namespace sonotrace {
+
+namespace {
+constexpr int kNameGap = 8;    // points, from a name to its number
+constexpr int kColumnGap = 24; // and from there to the next name
+} // namespace
+
+ReadingsPanel::ReadingsPanel(QWidget* parent) : QWidget(parent) {
+    QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+    setFocusPolicy(Qt::TabFocus);
+    setContextMenuPolicy(Qt::ActionsContextMenu);
+    auto* const action = new QAction("&Copy Readings", this);
+    action->setShortcut(QKeySequence::Copy);
+    action->setShortcutContext(Qt::WidgetShortcut);
+    connect(action, &QAction::triggered, this, &ReadingsPanel::copy);
+    addAction(action);
+}
+
+void ReadingsPanel::show(std::vector<Reading> readings) {
+    if (readings == readings_)
+        return;
+    const bool isAsMany = readings.size() == readings_.size();
+    readings_ = std::move(readings);
+    const std::pair before(nameWidth_, valueWidth_);
+    measure();
+    if (!isAsMany || before != std::pair(nameWidth_, valueWidth_))
+        updateGeometry();
+    if (QAccessible::isActive())
+        setAccessibleDescription(text().replace(u'\t', u' ').replace(u'\n', QString(". ")));
+    update();
+}
+
+void ReadingsPanel::measure() {
+    for (const Reading& reading : readings_) {
+        nameWidth_ = std::max(nameWidth_, fontMetrics().horizontalAdvance(reading.name));
+        valueWidth_ = std::max(valueWidth_, fontMetrics().horizontalAdvance(reading.value));
+    }
+}
+
+QString ReadingsPanel::text() const {
+    QStringList lines;
+    for (const Reading& reading : readings_)
+        lines << reading.name + u'\t' + reading.value;
+    return lines.join(u'\n');
+}
+
+void ReadingsPanel::copy() const {
+    QGuiApplication::clipboard()->setText(text());
+}
+
+int ReadingsPanel::columns(int width) const {
+    const int column = nameWidth_ + kNameGap + valueWidth_ + kColumnGap;
+    return std::max(1, (width + kColumnGap) / column);
+}
+
+int ReadingsPanel::heightForWidth(int width) const {
+    const int perRow = columns(width);
+    const int rows = (static_cast<int>(readings_.size()) + perRow - 1) / perRow;
+    return rows * fontMetrics().lineSpacing();
+}
+
+QSize ReadingsPanel::sizeHint() const {
+    return {0, heightForWidth(std::max(width(), 1))};
+}
+
+QSize ReadingsPanel::minimumSizeHint() const {
+    return {0, 0};
+}
+
+bool ReadingsPanel::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip || readings_.empty())
+        return QWidget::event(event);
+    const auto* const help = static_cast<QHelpEvent*>(event);
+    const int perRow = columns(width());
+    const int column = std::min(help->x() * perRow / std::max(width(), 1), perRow - 1);
+    const auto i = static_cast<std::size_t>(help->y() / fontMetrics().lineSpacing() * perRow + column);
+    if (i < readings_.size())
+        QToolTip::showText(help->globalPos(), Qt::convertFromPlainText(readings_[i].tip), this);
+    return true;
+}
+
+void ReadingsPanel::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::FontChange)
+        return;
+    nameWidth_ = valueWidth_ = 0;
+    measure();
+    updateGeometry();
+}
+
+void ReadingsPanel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const int perRow = columns(width());
+    const int line = fontMetrics().lineSpacing();
+    QColor quiet = palette().color(QPalette::WindowText);
+    quiet.setAlphaF(0.7F);
+    for (std::size_t i = 0; i < readings_.size(); ++i) {
+        const int column = static_cast<int>(i) % perRow;
+        const int left = column * width() / perRow;
+        const int top = static_cast<int>(i) / perRow * line;
+        const int room = (column + 1) * width() / perRow - left;
+        painter.setPen(quiet);
+        painter.drawText(QRect(left, top, room, line), Qt::AlignLeft | Qt::TextSingleLine, readings_[i].name);
+        painter.setPen(palette().color(QPalette::WindowText));
+        const QRect place(left + nameWidth_ + kNameGap, top, room - nameWidth_ - kNameGap, line);
+        painter.drawText(
+            place, Qt::AlignLeft | Qt::TextSingleLine,
+            fontMetrics().elidedText(readings_[i].value, Qt::ElideRight, std::max(place.width(), 0)));
+    }
+    if (hasFocus()) {
+        QStyleOptionFocusRect option;
+        option.initFrom(this);
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
+    }
+}
+
+} // namespace sonotrace

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QWidget>
+
+#include <vector>
+
+namespace sonotrace {
+
+/// A number with its name, worded for the user.
+struct Reading {
+    QString name;
+    QString value; ///< with its unit; a dash where it is not defined
+    QString tip;   ///< what it is and how far it can be trusted
+    bool operator==(const Reading&) const = default;
+};
+
+/// The numbers under a picture, in columns as wide as the widest of them. They can be copied as text, with
+/// the keys too, and are read out by screen readers. Window thread.
+class ReadingsPanel : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ReadingsPanel(QWidget* parent = nullptr);
+
+    /// To be called as often as there are new numbers; the same number of readings each time keeps the
+    /// picture above from jumping.
+    void show(std::vector<Reading> readings);
+    using QWidget::show;
+
+    /// All of them, a line each: name, tabulator, value.
+    QString text() const;
+
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override;
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    int columns(int width) const;
+    void measure();
+    void copy() const;
+
+    std::vector<Reading> readings_;
+    int nameWidth_ = 0; ///< of the widest; they never shrink, so that columns stay where they are
+    int valueWidth_ = 0;
+};
+
+} // namespace sonotrace

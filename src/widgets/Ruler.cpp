@@ -1,0 +1,147 @@
+#include "widgets/Ruler.h"
+
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace sonotrace {
+
+namespace {
+
+constexpr double kTick = 6.0;      // points, of a tick with a label
+constexpr double kShortTick = 3.0; // and of one without
+constexpr double kGap = 2.0;       // between a tick and its label
+constexpr int kDigits = 6;         // an upright ruler has room for
+constexpr double kLinesPerLabel = 2.5;
+constexpr double kDigitsPerLabel = 8.0;
+
+} // namespace
+
+Ruler::Ruler(Side side, const QString& title, const QString& unit, QWidget* parent)
+    : QWidget(parent), side_(side), title_(title), unit_(unit) {
+    setAccessibleName(title);
+    if (isUpright())
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
+    else
+        setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    describe();
+}
+
+void Ruler::describe() {
+    const QString range = axis_.isDrawable() ? QString("%1 to %2 %3").arg(axis_.from).arg(axis_.to).arg(unit_)
+                                             : QString("nothing to show");
+    setAccessibleDescription(range);
+    setToolTip(QString("%1: %2").arg(title_, range));
+}
+
+void Ruler::setAxis(const Axis& axis) {
+    if (axis == std::exchange(axis_, axis))
+        return;
+    describe();
+    update();
+}
+
+void Ruler::setUnit(const QString& unit) {
+    if (unit == std::exchange(unit_, unit))
+        return;
+    describe();
+    update();
+}
+
+void Ruler::setMargins(double before, double behind) {
+    if (std::exchange(before_, before) != before || std::exchange(behind_, behind) != behind)
+        update();
+}
+
+void Ruler::setMarks(std::vector<RulerMark> marks) {
+    if (marks == marks_)
+        return;
+    marks_ = std::move(marks);
+    update();
+}
+
+QSize Ruler::sizeHint() const {
+    const QFontMetricsF metrics(font());
+    const double depth = isUpright() ? metrics.horizontalAdvance(QString(kDigits, u'0')) : metrics.height();
+    const int points = static_cast<int>(std::ceil(depth + kTick + 2 * kGap));
+    return isUpright() ? QSize(points, 1) : QSize(1, points);
+}
+
+/// The painter's x runs along the axis; its y away from the picture.
+void Ruler::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::WindowText));
+    const QFontMetricsF metrics(font());
+    const double labelLength =
+        isUpright() ? metrics.height() * kLinesPerLabel : metrics.horizontalAdvance(u'0') * kDigitsPerLabel;
+    for (const AxisTick& tick : axisTicks(axis_, static_cast<int>(axisLength() / labelLength)))
+        paintTick(painter, tick);
+    if (axis_.isDrawable() && !unit_.isEmpty()) {
+        const double room = isUpright() ? metrics.height() : metrics.horizontalAdvance(unit_) + 2 * kGap;
+        painter.fillRect(isUpright() ? QRectF(0, 0, width(), room)
+                                     : QRectF(width() - room, 0, room, height()),
+                         palette().window());
+        paintText(painter, length(), unit_, kTick + kGap);
+    }
+    for (const RulerMark& mark : marks_)
+        paintMark(painter, mark);
+}
+
+void Ruler::paintTick(QPainter& painter, const AxisTick& tick) const {
+    const double along = before_ + tick.place * axisLength();
+    const double depth = tick.label.empty() ? kShortTick : kTick;
+    if (side_ == Side::Bottom)
+        painter.drawLine(QPointF(along, 0), QPointF(along, depth));
+    else if (side_ == Side::Left)
+        painter.drawLine(QPointF(width() - depth, height() - along), QPointF(width(), height() - along));
+    else
+        painter.drawLine(QPointF(0, height() - along), QPointF(depth, height() - along));
+    paintText(painter, along, QString::fromStdString(tick.label), kTick + kGap);
+}
+
+/// Centred at its place along the axis, or as near to that as the ruler's ends allow.
+void Ruler::paintText(QPainter& painter, double along, const QString& text, double depth) const {
+    if (text.isEmpty())
+        return;
+    const QFontMetricsF metrics(font());
+    const QSizeF size(metrics.horizontalAdvance(text), metrics.height());
+    const double extent = isUpright() ? size.height() : size.width();
+    const double start = std::clamp(along - extent / 2, 0.0, std::max(0.0, length() - extent));
+    QPointF corner(start, depth);
+    if (isUpright())
+        corner = {side_ == Side::Left ? width() - depth - size.width() : depth, height() - start - extent};
+    painter.drawText(QRectF(corner, size), Qt::AlignCenter | Qt::TextDontClip, text);
+}
+
+void Ruler::paintMark(QPainter& painter, const RulerMark& mark) const {
+    const double place = axis_.isDrawable() ? axis_.placeOf(mark.value) : -1.0;
+    if (!(place >= 0.0 && place <= 1.0))
+        return;
+    const double along = before_ + place * axisLength();
+    QPolygonF triangle{{0, 0}, {-kTick / 2, kTick}, {kTick / 2, kTick}};
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setBrush(mark.colour);
+    painter.save();
+    painter.translate(isUpright() ? QPointF(side_ == Side::Left ? width() : 0, height() - along)
+                                  : QPointF(along, 0));
+    if (isUpright())
+        painter.rotate(side_ == Side::Left ? 90 : -90);
+    painter.drawPolygon(triangle);
+    painter.restore();
+    const QFontMetricsF metrics(font());
+    if (!mark.text.isEmpty() && !isUpright()) {
+        // On a ground of its own: it may fall upon a label.
+        const double extent = metrics.horizontalAdvance(mark.text);
+        const double start = std::clamp(along - extent / 2, 0.0, std::max(0.0, length() - extent));
+        painter.fillRect(QRectF(start - kGap, kTick + kGap, extent + 2 * kGap, metrics.height()),
+                         palette().window());
+    }
+    paintText(painter, along, mark.text, kTick + kGap);
+    painter.restore();
+}
+
+} // namespace sonotrace
