@@ -1,6 +1,5 @@
 #include "spectrum/SpectrumAnalysis.h"
 
-#include "base/Numbers.h"
 #include "base/SampleRate.h"
 
 #include <algorithm>
@@ -49,7 +48,7 @@ void SpectrumAnalysis::store(std::span<const std::int16_t> interleaved) {
         const std::size_t frames = std::min(interleaved.size() / 2, kRingSamples - ringWriteIndex_);
         std::int16_t* const target = sampleRing_.data() + ringWriteIndex_;
         for (std::size_t i = 0; i < frames; ++i)
-            target[i] = addSamples(interleaved[2 * i], interleaved[2 * i + 1]);
+            target[i] = foldSamples(fold_, interleaved[2 * i], interleaved[2 * i + 1]);
         ringWriteIndex_ = (ringWriteIndex_ + frames) % kRingSamples;
         interleaved = interleaved.subspan(2 * frames);
     }
@@ -59,10 +58,18 @@ void SpectrumAnalysis::analyze() {
     prepareWork();
     accumulateBlock();
     ++avgCount_;
+    ++inWork_;
     if (avgCount_ < numAvg_)
         return;
     makeSpectrum();
     redisplay_();
+}
+
+void SpectrumAnalysis::startAfresh() {
+    ringReadIndex_ = ringWriteIndex_;
+    std::ranges::fill(fftWork_, 0.0);
+    avgCount_ = 0;
+    inWork_ = 0;
 }
 
 /// A new size drops the sum of the blocks so far, but not their count: the first spectrum after it is divided
@@ -72,6 +79,7 @@ void SpectrumAnalysis::prepareWork() {
     if (points != lastSize_) {
         windowCoeffs_.resize(points);
         fftWork_.assign(2 * points, 0.0);
+        inWork_ = 0;
         BuildNewWindowCoeffs(windowType_, static_cast<std::int64_t>(points), windowCoeffs_.data());
         lastSize_ = points;
     }
@@ -95,6 +103,10 @@ void SpectrumAnalysis::accumulateBlock() {
 
 void SpectrumAnalysis::makeSpectrum() {
     const std::size_t points = lastSize_;
+    blockSum_.resize(points);
+    for (std::size_t i = 0; i < points; ++i)
+        blockSum_[i] = fftWork_[2 * i];
+    summedBlocks_ = std::exchange(inWork_, 0);
     for (std::size_t i = 0; i < points; ++i)
         fftWork_[2 * i] = fftWork_[2 * i] / avgCount_ * windowCoeffs_[i];
     avgCount_ = 0;

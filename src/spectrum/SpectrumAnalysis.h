@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ChannelFold.h"
 #include "base/FftWindows.h"
 #include "base/ZeroedArray.h"
 #include "spectrum/SpectrumFft.h"
@@ -25,15 +26,17 @@ struct SpectrumProgress {
     double secondsLeft = 0;  ///< of sound until the spectrum, as the settings are now
 };
 
-/// Turns captured stereo into power spectra: folds it to one channel, averages consecutive blocks sample by
-/// sample, weighs the average with a data window and transforms it. Window thread.
+/// Turns captured stereo into power spectra: folds it to one channel (their sum at first), averages
+/// consecutive blocks sample by sample, weighs the average with a data window and transforms it. Window
+/// thread.
 class SpectrumAnalysis {
 public:
     /// `redisplay` is called after each new spectrum, from within capture().
     explicit SpectrumAnalysis(std::function<void()> redisplay);
 
-    /// Takes interleaved frames and makes all the spectra that are due. Left and right are added as 16-bit
-    /// samples: loud in-phase signals wrap around. Allocates only after a change of the FFT size.
+    /// Takes interleaved frames and makes all the spectra that are due. Left and right are folded as 16-bit
+    /// samples: loud in-phase signals wrap around when they are added. Allocates only after a change of the
+    /// FFT size.
     void capture(std::span<const std::int16_t> interleaved);
 
     /// Points per transform; a size outside kSpectrumFftSizes is ignored and leaves the size as it was. This
@@ -42,6 +45,11 @@ public:
     void setWindowType(FftWindowType type) { windowType_ = type; }
     /// Blocks averaged per spectrum; 0 and below mean 1.
     void setNumAvg(std::int32_t blocks) { numAvg_ = blocks; }
+
+    /// What of the two channels is taken in from now on.
+    void setFold(ChannelFold fold) { fold_ = fold; }
+    /// Drops what has been collected for the next spectrum.
+    void startAfresh();
 
     double fftSize() const { return fftSize_; }
     FftWindowType windowType() const { return windowType_; }
@@ -52,6 +60,12 @@ public:
     /// Power of each bin, re² + im², mirrored upper half included: the bins of the last spectrum, followed by
     /// what longer ones before left there, or zeros. Room for more bins than the largest size has.
     std::span<const double> powerSpectrum() const { return {powerSpectrum_.data(), powerSpectrum_.size()}; }
+
+    /// What the last spectrum was made of: the sum of so many blocks before it was divided and weighted, and
+    /// the weights. Empty before the first spectrum.
+    std::span<const double> blockSum() const { return blockSum_; }
+    std::span<const double> windowCoeffs() const { return windowCoeffs_; }
+    std::int32_t summedBlocks() const { return summedBlocks_; }
 
     double maxPower() const { return maxPower_; } ///< largest value of the last spectrum
     double minPower() const { return minPower_; } ///< smallest value of the last spectrum, at most 1e8
@@ -69,14 +83,18 @@ private:
     std::size_t ringWriteIndex_ = 0;
     std::size_t ringReadIndex_ = 0;
 
+    ChannelFold fold_ = ChannelFold::Sum;
     double fftSize_ = 32768;
     FftWindowType windowType_ = 0;
     std::int32_t numAvg_ = 0;
 
     std::size_t lastSize_ = 0; ///< points that the window and the work area are made for
     FftWindowType lastWindowType_ = 0;
-    std::int32_t avgCount_ = 0; ///< blocks in the work area
+    std::int32_t avgCount_ = 0; ///< blocks counted for the next spectrum
+    std::int32_t inWork_ = 0;   ///< blocks in the work area: fewer after a change of size
     std::vector<double> windowCoeffs_;
+    std::vector<double> blockSum_;
+    std::int32_t summedBlocks_ = 1;
     std::vector<double> fftWork_; ///< re, im, ...: sum of the blocks, then their spectrum
     SpectrumFft fft_;
 
