@@ -306,8 +306,8 @@ SpectrumReader::Sine SpectrumReader::fittedSine(double bin) const {
     return {.bin = guess.bin, .cosine = guess.cosine, .sine = guess.sine};
 }
 
-Tone SpectrumReader::tone(double bin, double meanSquare, const SpectrumQuestion& question) const {
-    Tone tone{.frequencyHz = bin * binHz(), .levelDbfs = std::nullopt};
+SpectrumTone SpectrumReader::tone(double bin, double meanSquare, const SpectrumQuestion& question) const {
+    SpectrumTone tone{.frequencyHz = bin * binHz(), .levelDbfs = std::nullopt};
     const double gain = averagingGain(bin, blocks_);
     if (gain < kLeastAveragingGain || !(meanSquare > 0.0))
         return tone;
@@ -317,8 +317,8 @@ Tone SpectrumReader::tone(double bin, double meanSquare, const SpectrumQuestion&
     return tone;
 }
 
-std::optional<Tone> SpectrumReader::toneBetween(double lowHz, double highHz,
-                                                const SpectrumQuestion& question) const {
+std::optional<SpectrumTone> SpectrumReader::toneBetween(double lowHz, double highHz,
+                                                        const SpectrumQuestion& question) const {
     if (lowHz > highHz)
         std::swap(lowHz, highHz);
     const bool isInside = highHz >= 0.0 && lowHz <= kNyquist; // not so when not a number
@@ -331,7 +331,7 @@ std::optional<Tone> SpectrumReader::toneBetween(double lowHz, double highHz,
     if (first <= highHz / binHz()) {
         const auto highest = highestBin(power_, first, highHz / binHz());
         if (!highest)
-            return Tone{.frequencyHz = bin * binHz(), .levelDbfs = std::nullopt};
+            return SpectrumTone{.frequencyHz = bin * binHz(), .levelDbfs = std::nullopt};
         const std::size_t k = *highest;
         const bool isSummit =
             k > 0 && k + 1 < power_.size() && power_[k] >= power_[k - 1] && power_[k] >= power_[k + 1];

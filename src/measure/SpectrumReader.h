@@ -31,7 +31,7 @@ struct SpectrumQuestion {
 };
 
 /// A line of the spectrum. Levels are those of a sine, 0 dBFS being one with a peak of 32768.
-struct Tone {
+struct SpectrumTone {
     double frequencyHz = 0;
     /// None where averaging the samples has all but cancelled the tone (by more than 20 dB).
     std::optional<double> levelDbfs;
@@ -42,10 +42,10 @@ struct SpectrumReadings {
     static constexpr std::size_t kHarmonics = 9;   ///< the second to the tenth
     static constexpr std::size_t kMainsTones = 10; ///< the mains frequency and its multiples
 
-    std::optional<Tone> peak;                              ///< the strongest tone
-    std::optional<Tone> fundamental;                       ///< the same, or the one asked for
-    std::array<std::optional<Tone>, kHarmonics> harmonics; ///< none at 22050 Hz and above
-    std::optional<double> thdDb;                           ///< harmonics 2 to 10 to the fundamental
+    std::optional<SpectrumTone> peak;                              ///< the strongest tone
+    std::optional<SpectrumTone> fundamental;                       ///< the same, or the one asked for
+    std::array<std::optional<SpectrumTone>, kHarmonics> harmonics; ///< none at 22050 Hz and above
+    std::optional<double> thdDb;                                   ///< harmonics 2 to 10 to the fundamental
     std::optional<double> thdNoiseDb;     ///< what noise alone adds to that: nearer, it is noise that is read
     std::optional<double> thdPlusNoiseDb; ///< harmonics and noise to the fundamental, 0 to 22050 Hz
     std::optional<double> snrDb;          ///< fundamental to noise without the harmonics, 0 to 22050 Hz
@@ -53,7 +53,7 @@ struct SpectrumReadings {
     std::optional<double> noiseFloorDbfs; ///< noise in one bin between From and to: the median's
     std::optional<double> noiseDbfs;      ///< sum of the noise between From and to, without harmonics
     std::optional<double> noiseADbfs;     ///< the same, A-weighted
-    std::array<std::optional<Tone>, kMainsTones> mains;
+    std::array<std::optional<SpectrumTone>, kMainsTones> mains;
     std::optional<double> humDbfs; ///< sum of the mains table
 };
 
@@ -74,7 +74,8 @@ public:
 
     /// The strongest tone between two frequencies, as a pointer asks for: the highest line of the spectrum
     /// there, or, where there is none between them, the level at their middle. None outside 0 to 22050 Hz.
-    std::optional<Tone> toneBetween(double lowHz, double highHz, const SpectrumQuestion& question) const;
+    std::optional<SpectrumTone> toneBetween(double lowHz, double highHz,
+                                            const SpectrumQuestion& question) const;
 
 private:
     struct Sine {
@@ -90,7 +91,7 @@ private:
     double summitNear(std::span<const double> samples, double bin) const;
     std::optional<std::size_t> highestBin(const std::vector<double>& power, double first, double last) const;
     Sine fittedSine(double bin) const;
-    Tone tone(double bin, double meanSquare, const SpectrumQuestion& question) const;
+    SpectrumTone tone(double bin, double meanSquare, const SpectrumQuestion& question) const;
     void readHarmonics(SpectrumReadings& readings, const SpectrumQuestion& question, double fundamentalBin);
     void readNoise(SpectrumReadings& readings, const SpectrumQuestion& question,
                    std::optional<double> fundamentalBin);

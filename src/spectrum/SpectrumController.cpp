@@ -7,15 +7,20 @@
 #include "widgets/InputHints.h"
 #include "widgets/TypedValue.h"
 
+#include <QMenu>
+
 #include <algorithm>
 #include <bit>
+#include <cmath>
+#include <utility>
 
 namespace sonotrace {
 
 namespace {
 
-constexpr int kMeterInterval = 50; // ms
-constexpr int kMostAverages = 100; // from the store and with the keys; what is typed has no limit
+constexpr int kMeterInterval = 50;     // ms
+constexpr float kFirstAverage = 10.0F; // spectra, where nothing is stored
+constexpr int kMostAverages = 100;     // from the store and with the keys; what is typed has no limit
 constexpr float kFullBrightness = 1000.0F;
 constexpr double kLongWait = 2.0;  // s, from where on what is left is said
 constexpr double kSlowBlock = 1.0; // s
@@ -31,9 +36,10 @@ int loggedBits(double value) {
 SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Preferences& preferences)
     : ToolController(preferences, "SPECTRUM_WINDOW_FRAME"),
       ui_(std::make_unique<Ui::SpectrumWindow>()),
-      analysis_([this] { ui_->mainView->showSpectrum(); }) {
+      analysis_([this] { showSpectrum(); }) {
     ui_->setupUi(&window_);
-    levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->analysisStrip, ui_->displayStrip});
+    levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->analysisStrip, ui_->displayStrip, ui_->measureStrip,
+                                 ui_->readingsStrip});
     ui_->numAvgText->setStepLimits(1.0, kMostAverages);
     keepRoom({ui_->soundInputVolume2Value});
     showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());
@@ -48,14 +54,22 @@ SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Pr
     source_ = std::make_unique<InputSource>(
         system, AudioDeviceTable::Variant::Spectrum, variant,
         InputControls{ui_->inputPopup, ui_->soundInputVolume2, ui_->inputStatus},
-        [this](std::span<const std::int16_t> interleaved) { analysis_.capture(interleaved); });
+        [this](std::span<const std::int16_t> interleaved) {
+            if (!hold_.isValid())
+                analysis_.capture(interleaved);
+        });
     source_->setHints([this](Hints& hints) { addHints(hints); });
+    measuring_ = std::make_unique<SpectrumMeasuring>(analysis_, display_, *ui_->mainView,
+                                                     *ui_->pointerReadings, *ui_->readings);
+    makeRulers();
+    makeOverlayMenu();
 }
 
 SpectrumController::~SpectrumController() = default;
 
 void SpectrumController::awakeFromNib() {
     ui_->mainView->setModel(analysis_, display_);
+    ui_->mainView->setOverlays(overlays_);
     fillMenus();
     source_->GetSoundDevices();
     source_->SetSoundDevices();
@@ -63,10 +77,12 @@ void SpectrumController::awakeFromNib() {
     stored_.restore();
     showUse();
     doFFTSize();
+    takeMeasuringControls();
     connect(&bargraphTimer_, &QTimer::timeout, this, &SpectrumController::updateBargraph);
     source_->startSound();
     bargraphTimer_.start(kMeterInterval);
     connectControls();
+    connectMeasuring();
 }
 
 void SpectrumController::listStoredControls() {
@@ -95,6 +111,12 @@ void SpectrumController::listStoredControls() {
     });
     stored_.addVolume("SPECTRUM_soundInputVolume", *ui_->soundInputVolume2);
     stored_.add("inputPopup", *ui_->inputPopup);
+    stored_.add("SPECTRUM_channelPopup", *ui_->channelPopup);
+    stored_.add("SPECTRUM_averagePopup", *ui_->averagePopup);
+    stored_.add("SPECTRUM_averageCount", *ui_->averageCountText,
+                [](float stored) { return stored == 0.0F ? kFirstAverage : stored; });
+    stored_.add("SPECTRUM_harmonicsCheckbox", *ui_->harmonicsCheckbox);
+    stored_.add("SPECTRUM_mainsPopup", *ui_->mainsPopup);
 }
 
 void SpectrumController::fillMenus() {
@@ -102,6 +124,8 @@ void SpectrumController::fillMenus() {
         ui_->fftSizePopup->addItem(QString::number(size));
     for (const char* title : kFftWindowTitles)
         ui_->windowPopup->addItem(title);
+    for (const char* title : kChannelFoldTitles)
+        ui_->channelPopup->addItem(title);
 }
 
 void SpectrumController::connectControls() {
@@ -156,11 +180,13 @@ void SpectrumController::doGridMode() {
 
 void SpectrumController::doFFTSize() {
     analysis_.setFftSize(ui_->fftSizePopup->currentText().toInt());
+    clearOverlays("the FFT size has changed");
 }
 
 void SpectrumController::doWindow() {
     analysis_.setWindowType(ui_->windowPopup->currentIndex());
     systemLog("doWindow windowType %d", analysis_.windowType());
+    clearOverlays("the window has changed");
 }
 
 void SpectrumController::doInputGain() {
@@ -169,6 +195,9 @@ void SpectrumController::doInputGain() {
 
 /// Why the trace is not what it seems, or stands still.
 void SpectrumController::addHints(Hints& hints) const {
+    if (hold_.isValid())
+        hints.push_back({Hint::Urgency::Progress,
+                         "Held for " + waitingTime(static_cast<double>(hold_.elapsed()) / 1000.0)});
     const double start = display_.spectrumStartFreq;
     const double end = display_.spectrumEndFreq;
     if (display_.logMode == 0 && start >= end)
@@ -188,9 +217,137 @@ void SpectrumController::addHints(Hints& hints) const {
     }
 }
 
+void SpectrumController::makeRulers() {
+    ui_->plot->addWidget(&levelRuler_, 0, 1);
+    ui_->plot->addWidget(&frequencyRuler_, 1, 0);
+    frequencyRuler_.setMargins(kLeftMargin, kRightMargin);
+}
+
+void SpectrumController::showRulers() {
+    frequencyRuler_.setAxis(display_.logMode != 0
+                                ? Axis{1.0, std::pow(10.0, kSpectrumDecades), true}
+                                : Axis{display_.spectrumStartFreq, display_.spectrumEndFreq});
+    const SpectrumGeometry geometry = ui_->mainView->plotGeometry();
+    const double top = ui_->mainView->height();
+    levelRuler_.setAxis({plottedDecibels(geometry, geometry.yFloor), plottedDecibels(geometry, top)});
+    levelRuler_.setMargins(geometry.yFloor, 0.0);
+}
+
+void SpectrumController::makeOverlayMenu() {
+    auto* const menu = new QMenu(ui_->overlaysButton);
+    ui_->overlaysButton->setMenu(menu);
+    const auto addAction = [this, menu](const char* name, const char* title, auto handler) {
+        QAction* const action = menu->addAction(title);
+        action->setObjectName(name);
+        connect(action, &QAction::triggered, this, handler);
+        return action;
+    };
+    const auto addTrace = [&](const char* name, const char* title, SpectrumOverlay overlay) {
+        QAction* const action = addAction(name, title, [this, overlay](bool asked) {
+            overlays_.ask(overlay, asked);
+            ui_->mainView->update();
+        });
+        action->setCheckable(true);
+        return action;
+    };
+    addTrace("peakHold", "&Peak hold", SpectrumOverlay::PeakHold);
+    addAction("resetPeakHold", "&Reset peak hold", [this] {
+        overlays_.resetPeakHold();
+        ui_->mainView->update();
+    });
+    menu->addSeparator();
+    QAction* const store = addAction("storeReference", "&Store reference", [] {});
+    QAction* const reference = addTrace("reference", "Re&ference", SpectrumOverlay::Reference);
+    QAction* const difference =
+        addTrace("difference", "&Difference to the reference", SpectrumOverlay::Difference);
+    reference->setEnabled(false);
+    difference->setEnabled(false);
+    connect(store, &QAction::triggered, this, [this, reference, difference] {
+        if (!overlays_.storeReference()) {
+            source_->showNotice("There is no spectrum yet to store");
+            return;
+        }
+        reference->setEnabled(true);
+        difference->setEnabled(true);
+        if (!reference->isChecked())
+            reference->trigger();
+        ui_->mainView->update();
+    });
+    menu->addSeparator();
+    QAction* const corrected =
+        addTrace("corrected", "&Corrected for the microphone", SpectrumOverlay::Corrected);
+    corrected->setEnabled(false);
+}
+
+void SpectrumController::connectMeasuring() {
+    connect(ui_->channelPopup, &QComboBox::activated, this, &SpectrumController::doChannel);
+    connect(ui_->averagePopup, &QComboBox::activated, this, &SpectrumController::doAverage);
+    connect(ui_->averageCountText, &QLineEdit::textChanged, this, &SpectrumController::doAverage);
+    connect(ui_->holdButton, &QPushButton::clicked, this, &SpectrumController::doHold);
+    connect(ui_->harmonicsCheckbox, &QCheckBox::clicked, measuring_.get(),
+            &SpectrumMeasuring::setHarmonicsListed);
+    connect(ui_->fundamentalText, &QLineEdit::textChanged, this, &SpectrumController::takeMeasuringControls);
+    connect(ui_->mainsPopup, &QComboBox::activated, this, &SpectrumController::takeMeasuringControls);
+    connect(source_.get(), &InputSource::aboutToStart, this,
+            [this] { clearOverlays("the input has changed"); });
+}
+
+void SpectrumController::takeMeasuringControls() {
+    const auto fold = static_cast<ChannelFold>(std::max(ui_->channelPopup->currentIndex(), 0));
+    analysis_.setFold(fold);
+    source_->setFold(fold);
+    doAverage();
+    measuring_->setHarmonicsListed(ui_->harmonicsCheckbox->isChecked());
+    const double fundamental = ui_->fundamentalText->doubleValue();
+    measuring_->setFundamental(fundamental > 0.0 ? std::optional(fundamental) : std::nullopt);
+    constexpr double kMains[] = {0.0, 50.0, 60.0};
+    measuring_->setMains(kMains[std::clamp(ui_->mainsPopup->currentIndex(), 0, 2)]);
+}
+
+void SpectrumController::showSpectrum() {
+    overlays_.add(analysis_.powerSpectrum(), analysis_.fftSize());
+    measuring_->takeNewSpectrum();
+    ui_->mainView->showSpectrum();
+}
+
+/// What they have collected does not fit what comes. Nor does what is held.
+void SpectrumController::clearOverlays(const QString& reason) {
+    if (hold_.isValid())
+        ui_->holdButton->click();
+    if (overlays_.clear())
+        source_->showNotice("Average and peak hold begin anew: " + reason);
+}
+
+void SpectrumController::doChannel() {
+    takeMeasuringControls();
+    analysis_.startAfresh();
+    clearOverlays("the channel has changed");
+}
+
+void SpectrumController::doAverage() {
+    overlays_.setAverage(static_cast<AverageKind>(std::max(ui_->averagePopup->currentIndex(), 0)),
+                         ui_->averageCountText->integerValue());
+    ui_->mainView->update();
+}
+
+void SpectrumController::doHold() {
+    if (ui_->holdButton->isChecked()) {
+        hold_.start();
+        heldDisplay_ = display_;
+        return;
+    }
+    hold_.invalidate();
+    analysis_.startAfresh(); // what was collected before lies too far back
+}
+
 void SpectrumController::updateBargraph() {
     ui_->volumeLevel->setDoubleValue(static_cast<double>(source_->peakLevel()));
     display_.gridBrightness = static_cast<float>(ui_->gridSlider->doubleValue() * 0.001);
+    showRulers();
+    measuring_->update();
+    // No spectrum comes to show what the controls say.
+    if (hold_.isValid() && std::exchange(heldDisplay_, display_) != display_)
+        ui_->mainView->update();
 }
 
 } // namespace sonotrace

@@ -2,9 +2,13 @@
 
 #include "spectrum/SpectrumAnalysis.h"
 #include "spectrum/SpectrumGeometry.h"
+#include "spectrum/SpectrumMeasuring.h"
+#include "spectrum/SpectrumOverlays.h"
 #include "widgets/InputSource.h"
+#include "widgets/Ruler.h"
 #include "widgets/ToolController.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 
 #include <memory>
@@ -32,6 +36,7 @@ public:
 
     const SpectrumAnalysis& analysis() const { return analysis_; }
     const SpectrumDisplay& display() const { return display_; }
+    const SpectrumReadings& readings() const { return measuring_->readings(); }
 
 private:
     void listStoredControls();
@@ -49,12 +54,28 @@ private:
     void doWindow();
     void doInputGain();
     void updateBargraph();
+    void makeRulers();
+    void makeOverlayMenu();
+    void connectMeasuring();
+    void takeMeasuringControls();
+    void showSpectrum();
+    void clearOverlays(const QString& reason);
+    void doChannel();
+    void doAverage();
+    void doHold();
+    void showRulers();
     void addHints(Hints& hints) const;
 
     const std::unique_ptr<Ui::SpectrumWindow> ui_;
     SpectrumDisplay display_;
     SpectrumAnalysis analysis_;
+    SpectrumOverlays overlays_;
+    std::unique_ptr<SpectrumMeasuring> measuring_;
+    Ruler frequencyRuler_{Ruler::Side::Bottom, "Frequency", "Hz"};
+    Ruler levelRuler_{Ruler::Side::Right, "Plotted level", "dB"};
     std::unique_ptr<InputSource> source_;
+    SpectrumDisplay heldDisplay_;
+    QElapsedTimer hold_; ///< since spectrum and readings are held; not valid while they are not
     QTimer bargraphTimer_;
 };
 

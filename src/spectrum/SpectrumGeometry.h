@@ -18,8 +18,13 @@ struct SpectrumDisplay {
 };
 
 inline constexpr double kScaleOfHeight =
-    0.0405;                                ///< a unit of natural logarithm of power, of the view's height
-inline constexpr double kFloorLine = 1.67; ///< height of the lowest decibel line, in such units
+    0.0405;                                 ///< a unit of natural logarithm of power, of the view's height
+inline constexpr double kTenDecibels = 2.3; ///< ten decibels, in such units: ln(10), near enough
+inline constexpr double kFloorLine = 1.67;  ///< height of the lowest decibel line, in such units
+
+inline constexpr double kSpectrumDecades = 4.3; ///< of the logarithmic axis, from 1 Hz
+inline constexpr double kLeftMargin = 50.0;     ///< points beside the plot
+inline constexpr double kRightMargin = 80.0;
 
 /// Where the plot lies in its view and what a point of it means. Margins are left for the decibel labels
 /// (left), the last frequency label (right) and the frequency labels (below the floor).
@@ -39,5 +44,13 @@ struct SpectrumGeometry {
 /// million points, negative height) is taken for an empty one. `fftSize` is the size chosen now, which may be
 /// newer than the spectrum.
 SpectrumGeometry spectrumGeometry(const PlotRect& bounds, const SpectrumDisplay& display, double fftSize);
+
+/// Frequency in Hz at a place between the plot's left (geometry.left) and right, and back. Not finite when
+/// the plot has no width or shows no range.
+double frequencyAt(const SpectrumGeometry& geometry, const SpectrumDisplay& display, double x);
+double placeOf(const SpectrumGeometry& geometry, const SpectrumDisplay& display, double frequencyHz);
+
+/// The decibels that the grid's labels give to a height.
+double plottedDecibels(const SpectrumGeometry& geometry, double y);
 
 } // namespace sonotrace

@@ -13,8 +13,7 @@ namespace {
 
 constexpr std::int32_t kColumnsPerLine = 50; ///< about
 constexpr int kDecibelLines = 10;
-constexpr double kTopLine = 22.37;   ///< height of the highest decibel line, in units of natural logarithm
-constexpr double kTenDecibels = 2.3; ///< ln(10), near enough
+constexpr double kTopLine = 22.37; ///< height of the highest decibel line, in units of natural logarithm
 
 std::vector<FrequencyLine> frequencyLines(const SpectrumGeometry& geometry, const SpectrumDisplay& display) {
     std::vector<FrequencyLine> lines;

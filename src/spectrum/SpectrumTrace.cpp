@@ -33,19 +33,30 @@ double columnPower(std::span<const double> power, double fftSize, std::int32_t p
 
 } // namespace
 
-void SpectrumTrace::build(const SpectrumGeometry& geometry, const SpectrumDisplay& display,
-                          std::span<const double> powerSpectrum, double fftSize) {
-    line_.clear();
-    bars_.clear();
-    if (powerSpectrum.empty())
-        return;
+void columnPowers(const SpectrumGeometry& geometry, const SpectrumDisplay& display,
+                  std::span<const double> power, double fftSize, std::vector<double>& powers) {
+    powers.clear();
     double frequency = display.spectrumStartFreq;
     std::int32_t previousBin = truncateToInt32(frequency / geometry.binHz);
     for (std::int32_t x = geometry.left; x < geometry.right; ++x) {
         if (display.logMode != 0)
             frequency = std::pow(10.0, (x - geometry.left) * geometry.logStep);
         const std::int32_t bin = truncateToInt32(frequency / geometry.binHz);
-        const double power = columnPower(powerSpectrum, fftSize, previousBin, bin);
+        powers.push_back(columnPower(power, fftSize, previousBin, bin));
+        frequency += geometry.hzPerPixel;
+        previousBin = bin;
+    }
+}
+
+void SpectrumTrace::build(const SpectrumGeometry& geometry, const SpectrumDisplay& display,
+                          std::span<const double> powerSpectrum, double fftSize) {
+    line_.clear();
+    bars_.clear();
+    if (powerSpectrum.empty())
+        return;
+    columnPowers(geometry, display, powerSpectrum, fftSize, powers_);
+    std::int32_t x = geometry.left;
+    for (const double power : powers_) {
         const double height = (std::log(power * geometry.powerScale) - 3.0) * geometry.yScale;
         // No power gives minus infinity, and in a view without height no number: both end on the floor.
         const double y = height > geometry.yFloor ? height : geometry.yFloor;
@@ -56,8 +67,7 @@ void SpectrumTrace::build(const SpectrumGeometry& geometry, const SpectrumDispla
                 line_.push_back({static_cast<double>(x), y});
             line_.push_back({static_cast<double>(x), y});
         }
-        frequency += geometry.hzPerPixel;
-        previousBin = bin;
+        ++x;
     }
 }
 

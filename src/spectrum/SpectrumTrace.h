@@ -8,6 +8,11 @@
 
 namespace sonotrace {
 
+/// Power of each of the plot's columns, with the bins that neighbours share. `power` is read up to `fftSize`
+/// bins; columns at that and above have a power of 1.
+void columnPowers(const SpectrumGeometry& geometry, const SpectrumDisplay& display,
+                  std::span<const double> power, double fftSize, std::vector<double>& powers);
+
 /// The green trace of the spectrum, a column per point of the plot's width. Kept from redraw to redraw, so
 /// that only a wider view allocates. Window thread.
 class SpectrumTrace {
@@ -26,6 +31,7 @@ public:
     std::span<const PlotRect> bars() const { return bars_; }
 
 private:
+    std::vector<double> powers_;
     std::vector<PlotPoint> line_;
     std::vector<PlotRect> bars_;
 };

@@ -2,10 +2,13 @@
 
 #include "spectrum/SpectrumGrid.h"
 
+#include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace sonotrace {
 
@@ -33,6 +36,28 @@ void paintBars(QPainter& painter, std::span<const PlotRect> bars) {
     }
 }
 
+struct OverlayLook {
+    const char* title;
+    QRgb colour;
+};
+constexpr std::array<OverlayLook, kSpectrumOverlays> kLooks = {
+    {{"Power average", qRgb(0x4d, 0xc4, 0xff)},
+     {"Peak hold", qRgb(0xff, 0xd0, 0x40)},
+     {"Reference", qRgb(0xe0, 0x80, 0xff)},
+     {"Difference, 0 dB at -50", qRgb(0xff, 0xff, 0xff)},
+     {"Corrected", qRgb(0xff, 0x90, 0x60)}}};
+constexpr QRgb kMarkerColour = qRgb(0xff, 0xff, 0x80);
+constexpr int kFarStep = 10; // columns, with Shift
+constexpr int kPageStep = 100;
+
+QPolygonF polygonOf(std::span<const PlotPoint> points) {
+    QPolygonF line;
+    line.reserve(static_cast<qsizetype>(points.size()));
+    for (const PlotPoint& point : points)
+        line.append(QPointF(point.x, point.y));
+    return line;
+}
+
 QFont labelFont(const QFont& system) {
     QFont font = system;
     font.setBold(true);
@@ -45,6 +70,9 @@ QFont labelFont(const QFont& system) {
 
 SpectrumView::SpectrumView(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
+    setCursor(Qt::CrossCursor);
+    setFocusPolicy(Qt::StrongFocus);
 }
 
 void SpectrumView::setModel(const SpectrumAnalysis& analysis, const SpectrumDisplay& display) {
@@ -68,13 +96,34 @@ void SpectrumView::showSpectrum() {
     setting_ = setting;
 }
 
+PlotRect SpectrumView::plotBounds() const {
+    return {0.0, 0.0, static_cast<double>(width()), static_cast<double>(height())};
+}
+
 SpectrumGeometry SpectrumView::plotGeometry() const {
-    const PlotRect bounds{0.0, 0.0, static_cast<double>(width()), static_cast<double>(height())};
-    return spectrumGeometry(bounds, *display_, analysis_->fftSize());
+    return spectrumGeometry(plotBounds(), *display_, analysis_->fftSize());
 }
 
 void SpectrumView::buildTrace() {
     trace_.build(plotGeometry(), *display_, analysis_->powerSpectrum(), analysis_->fftSize());
+    for (std::size_t i = 0; overlays_ && i < overlayLines_.size(); ++i)
+        overlays_->build(static_cast<SpectrumOverlay>(i), plotBounds(), *display_, overlayLines_[i]);
+}
+
+std::optional<double> SpectrumView::traceHeight(int column) const {
+    const auto i = static_cast<std::size_t>(column - plotGeometry().left);
+    if (i < trace_.bars().size())
+        return trace_.bars()[i].y + trace_.bars()[i].height;
+    if (i + 1 < trace_.line().size())
+        return trace_.line()[i + 1].y;
+    return std::nullopt;
+}
+
+void SpectrumView::setMarkers(std::vector<SpectrumMarker> markers) {
+    if (markers == markers_)
+        return;
+    markers_ = std::move(markers);
+    update();
 }
 
 /// The rows in which the trace is, or the upper ends of its bars are.
@@ -87,6 +136,9 @@ QRect SpectrumView::traceRows() const {
     };
     for (const PlotPoint& point : trace_.line())
         reach(point.y);
+    for (const auto& line : overlayLines_)
+        for (const PlotPoint& point : line)
+            reach(point.y);
     for (const PlotRect& bar : trace_.bars())
         reach(bar.y + bar.height);
     constexpr int kReach = 2; // of the line's width and its smooth edge
@@ -103,7 +155,10 @@ void SpectrumView::paintEvent(QPaintEvent*) {
     buildTrace();
     paintedRows_ = traceRows();
     paintTrace(painter);
+    paintOverlays(painter);
     paintGrid(painter, spectrumGrid(plotGeometry(), *display_));
+    paintLegend(painter);
+    paintMarkers(painter);
 }
 
 void SpectrumView::paintTrace(QPainter& painter) const {
@@ -112,15 +167,145 @@ void SpectrumView::paintTrace(QPainter& painter) const {
     painter.scale(1, -1);
     paintBars(painter, trace_.bars());
     if (!trace_.line().empty()) {
-        QPolygonF line;
-        line.reserve(static_cast<qsizetype>(trace_.line().size()));
-        for (const PlotPoint& point : trace_.line())
-            line.append(QPointF(point.x, point.y));
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(QPen(Qt::green, SpectrumTrace::kLineWidth));
-        painter.drawPolyline(line);
+        painter.drawPolyline(polygonOf(trace_.line()));
     }
     painter.restore();
+}
+
+void SpectrumView::paintOverlays(QPainter& painter) const {
+    painter.save();
+    painter.translate(0, height());
+    painter.scale(1, -1);
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (std::size_t i = 0; i < overlayLines_.size(); ++i) {
+        painter.setPen(QPen(QColor(kLooks[i].colour), SpectrumTrace::kLineWidth));
+        painter.drawPolyline(polygonOf(overlayLines_[i]));
+    }
+    painter.restore();
+}
+
+void SpectrumView::paintLegend(QPainter& painter) {
+    painter.setFont(font());
+    const QFontMetrics metrics = painter.fontMetrics();
+    const int sample = 2 * metrics.height();
+    int y = metrics.height() / 2;
+    for (std::size_t i = 0; i < overlayLines_.size(); ++i) {
+        if (overlayLines_[i].empty())
+            continue;
+        const QStaticText& text = texts_.laidOut(kLooks[i].title, painter.font());
+        const int left = plotGeometry().right - static_cast<int>(text.size().width()) - sample;
+        painter.fillRect(left - sample / 4, y, plotGeometry().right - left + sample / 4, metrics.height(),
+                         QColor(0, 0, 0, 200));
+        painter.fillRect(left, y + metrics.height() / 2, sample * 3 / 4, 2, QColor(kLooks[i].colour));
+        painter.setPen(QColor(kLooks[i].colour));
+        painter.drawStaticText(left + sample, y, text);
+        y += metrics.height();
+    }
+}
+
+void SpectrumView::paintMarkers(QPainter& painter) {
+    const SpectrumGeometry geometry = plotGeometry();
+    painter.setPen(QColor(kMarkerColour));
+    const auto paintAt = [&](double x, const QString& text) {
+        if (!(x >= geometry.left && x < geometry.right))
+            return;
+        const int column = static_cast<int>(x);
+        painter.fillRect(column, 0, 1, height() - static_cast<int>(geometry.yFloor), QColor(kMarkerColour));
+        painter.drawText(column + 4, painter.fontMetrics().height(), text);
+    };
+    for (const SpectrumMarker& marker : markers_)
+        paintAt(placeOf(geometry, *display_, marker.frequencyHz), marker.letter);
+    if (pointsWithKeys_ && pointer_)
+        paintAt(*pointer_, {});
+}
+
+void SpectrumView::point(int column) {
+    const SpectrumGeometry geometry = plotGeometry();
+    if (geometry.width > 0)
+        pointer_ = std::clamp(column, geometry.left, geometry.right - 1);
+}
+
+void SpectrumView::mouseMoveEvent(QMouseEvent* event) {
+    const int column = static_cast<int>(event->position().x());
+    if (std::exchange(pointsWithKeys_, false))
+        update();
+    pointer_.reset();
+    if (analysis_ && column >= plotGeometry().left && column < plotGeometry().right)
+        pointer_ = column;
+}
+
+void SpectrumView::mousePressEvent(QMouseEvent* event) {
+    mouseMoveEvent(event);
+    if (event->button() == Qt::LeftButton && pointer_)
+        Q_EMIT clicked(*pointer_);
+    else if (event->button() == Qt::RightButton)
+        Q_EMIT escaped();
+}
+
+void SpectrumView::leaveEvent(QEvent*) {
+    if (!pointsWithKeys_)
+        pointer_.reset();
+}
+
+void SpectrumView::keyPressEvent(QKeyEvent* event) {
+    const int step = event->modifiers() & Qt::ShiftModifier ? kFarStep : 1;
+    const int from = pointer_.value_or(width() / 2);
+    switch (event->key()) {
+    case Qt::Key_Left:
+        point(from - step);
+        break;
+    case Qt::Key_Right:
+        point(from + step);
+        break;
+    case Qt::Key_PageUp:
+        point(from + kPageStep);
+        break;
+    case Qt::Key_PageDown:
+        point(from - kPageStep);
+        break;
+    case Qt::Key_Home:
+        point(0);
+        break;
+    case Qt::Key_End:
+        point(width());
+        break;
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        if (pointer_)
+            Q_EMIT clicked(*pointer_);
+        return;
+    case Qt::Key_Escape:
+        Q_EMIT escaped();
+        return;
+    default:
+        event->ignore();
+        return;
+    }
+    pointsWithKeys_ = true;
+    update();
+}
+
+/// With the keys it begins where it was, or in the middle.
+void SpectrumView::focusInEvent(QFocusEvent* event) {
+    if (event->reason() != Qt::MouseFocusReason && analysis_) {
+        pointsWithKeys_ = true;
+        point(pointer_.value_or(width() / 2));
+    }
+    update();
+}
+
+void SpectrumView::focusOutEvent(QFocusEvent*) {
+    if (std::exchange(pointsWithKeys_, false))
+        pointer_.reset();
+    update();
+}
+
+void SpectrumView::resizeEvent(QResizeEvent*) {
+    pointer_.reset();
+    Q_EMIT resized();
 }
 
 void SpectrumView::paintGrid(QPainter& painter, const SpectrumGrid& grid) {

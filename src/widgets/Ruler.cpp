@@ -13,6 +13,7 @@ namespace {
 
 constexpr double kTick = 6.0;      // points, of a tick with a label
 constexpr double kShortTick = 3.0; // and of one without
+constexpr double kUnitGap = 6.0;   // from the last label to the unit
 constexpr double kGap = 2.0;       // between a tick and its label
 constexpr int kDigits = 6;         // an upright ruler has room for
 constexpr double kLinesPerLabel = 2.5;
@@ -52,8 +53,11 @@ void Ruler::setUnit(const QString& unit) {
 }
 
 void Ruler::setMargins(double before, double behind) {
-    if (std::exchange(before_, before) != before || std::exchange(behind_, behind) != behind)
-        update();
+    if (before == before_ && behind == behind_)
+        return;
+    before_ = before;
+    behind_ = behind;
+    update();
 }
 
 void Ruler::setMarks(std::vector<RulerMark> marks) {
@@ -77,15 +81,16 @@ void Ruler::paintEvent(QPaintEvent*) {
     const QFontMetricsF metrics(font());
     const double labelLength =
         isUpright() ? metrics.height() * kLinesPerLabel : metrics.horizontalAdvance(u'0') * kDigitsPerLabel;
-    for (const AxisTick& tick : axisTicks(axis_, static_cast<int>(axisLength() / labelLength)))
+    const double unitLength = isUpright() ? metrics.height() : metrics.horizontalAdvance(unit_) + kUnitGap;
+    for (AxisTick tick : axisTicks(axis_, static_cast<int>(axisLength() / labelLength))) {
+        const double extent =
+            isUpright() ? metrics.height() : metrics.horizontalAdvance(QString::fromStdString(tick.label));
+        if (before_ + tick.place * axisLength() + extent / 2 > length() - unitLength)
+            tick.label.clear(); // there stands the unit
         paintTick(painter, tick);
-    if (axis_.isDrawable() && !unit_.isEmpty()) {
-        const double room = isUpright() ? metrics.height() : metrics.horizontalAdvance(unit_) + 2 * kGap;
-        painter.fillRect(isUpright() ? QRectF(0, 0, width(), room)
-                                     : QRectF(width() - room, 0, room, height()),
-                         palette().window());
-        paintText(painter, length(), unit_, kTick + kGap);
     }
+    if (axis_.isDrawable())
+        paintText(painter, length(), unit_, kTick + kGap);
     for (const RulerMark& mark : marks_)
         paintMark(painter, mark);
 }

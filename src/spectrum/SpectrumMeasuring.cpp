@@ -1,0 +1,212 @@
+#include "spectrum/SpectrumMeasuring.h"
+
+#include <cmath>
+#include <utility>
+
+namespace sonotrace {
+
+namespace {
+
+constexpr qint64 kReadingInterval = 250; // ms
+constexpr double kThdIsNoise = 6.0;      // dB above what noise alone reads
+const QString kNothing = "–";
+
+QString decibels(double value) {
+    return QString("%1 dB").arg(value, 0, 'f', 2);
+}
+
+QString hertz(double frequency) {
+    return QString("%1 Hz").arg(frequency, 0, 'f', 2);
+}
+
+QString ratio(const std::optional<double>& value) {
+    return value ? decibels(*value) : kNothing;
+}
+
+/// Also as a part of the fundamental.
+QString distortion(const std::optional<double>& value) {
+    if (!value)
+        return kNothing;
+    return QString("%1 (%2 %)").arg(decibels(*value)).arg(100.0 * std::pow(10.0, *value / 20.0), 0, 'g', 3);
+}
+
+} // namespace
+
+SpectrumMeasuring::SpectrumMeasuring(const SpectrumAnalysis& analysis, const SpectrumDisplay& display,
+                                     SpectrumView& view, ReadingsPanel& pointerPanel, ReadingsPanel& panel)
+    : analysis_(analysis),
+      display_(display),
+      view_(view),
+      pointerPanel_(pointerPanel),
+      panel_(panel),
+      levelText_([](double levelDbfs) { return QString("%1 dBFS").arg(levelDbfs, 0, 'f', 2); }) {
+    connect(&view_, &SpectrumView::clicked, this, &SpectrumMeasuring::mark);
+    connect(&view_, &SpectrumView::escaped, this, &SpectrumMeasuring::dropMarks);
+}
+
+void SpectrumMeasuring::ask() {
+    asksAnew_ = true;
+}
+
+void SpectrumMeasuring::setFundamental(std::optional<double> hz) {
+    question_.fundamentalHz = hz;
+    ask();
+}
+
+void SpectrumMeasuring::setMains(double hz) {
+    question_.mainsHz = hz;
+    ask();
+}
+
+void SpectrumMeasuring::setHarmonicsListed(bool listed) {
+    harmonicsListed_ = listed;
+    ask();
+}
+
+void SpectrumMeasuring::setResponse(std::function<double(double)> responseDb) {
+    question_.responseDb = std::move(responseDb);
+    ask();
+}
+
+void SpectrumMeasuring::setLevelText(std::function<QString(double)> levelText) {
+    levelText_ = std::move(levelText);
+    ask();
+}
+
+void SpectrumMeasuring::update() {
+    if (!view_.isVisible() || !view_.updatesEnabled())
+        return;
+    const bool isDue = !lastReading_.isValid() || lastReading_.hasExpired(kReadingInterval);
+    // A new size may be prepared while its first spectrum is still being collected.
+    const bool isWhole = analysis_.blockSum().size() == analysis_.windowCoeffs().size();
+    if (isNew_ && isDue && isWhole && !analysis_.blockSum().empty()) {
+        reader_.take({analysis_.blockSum(), analysis_.windowCoeffs(), analysis_.summedBlocks()});
+        isNew_ = false;
+        lastReading_.start();
+        asksAnew_ = true;
+    }
+    const double from = display_.logMode != 0 ? 1.0 : display_.spectrumStartFreq;
+    const double to = display_.logMode != 0 ? std::pow(10.0, kSpectrumDecades) : display_.spectrumEndFreq;
+    if (std::exchange(question_.fromHz, from) != from || std::exchange(question_.toHz, to) != to)
+        asksAnew_ = true;
+    const bool isAsked = std::exchange(asksAnew_, false);
+    if (isAsked) {
+        readings_ = reader_.read(question_);
+        showReadings();
+    }
+    if (isAsked || view_.pointer() != shownPointer_)
+        showPointer();
+}
+
+QString SpectrumMeasuring::level(const std::optional<double>& levelDbfs) const {
+    return levelDbfs ? levelText_(*levelDbfs) : kNothing;
+}
+
+QString SpectrumMeasuring::toneText(const std::optional<SpectrumTone>& tone) const {
+    if (!tone)
+        return kNothing;
+    return hertz(tone->frequencyHz) + "  " +
+           (tone->levelDbfs ? levelText_(*tone->levelDbfs) : QString("averaged away"));
+}
+
+void SpectrumMeasuring::showReadings() {
+    const SpectrumReadings& now = readings_;
+    const auto floor = now.noiseFloorDbfs ? levelText_(*now.noiseFloorDbfs) + "/bin" : kNothing;
+    const bool isThdNoise = now.thdDb && now.thdNoiseDb && *now.thdDb - *now.thdNoiseDb < kThdIsNoise;
+    std::vector<Reading> shown = {
+        {question_.fundamentalHz ? "Fundamental" : "Peak",
+         toneText(question_.fundamentalHz ? now.fundamental : now.peak),
+         "Frequency and level of the strongest tone, or of the one near the frequency typed: a lone sine is "
+         "read "
+         "to 0.0001 of a bin and 0.001 dB"},
+        {"THD", (isThdNoise ? "≤ " : "") + distortion(now.thdDb),
+         "Harmonics 2 to 10 below 22050 Hz, to the fundamental. \"≤\": as good as all of it is noise"},
+        {"THD+N", distortion(now.thdPlusNoiseDb),
+         "Harmonics and noise from 0 to 22050 Hz, to the fundamental"},
+        {"SNR", ratio(now.snrDb), "Fundamental to the noise from 0 to 22050 Hz, without harmonics"},
+        {"SINAD", ratio(now.sinadDb), "Fundamental to harmonics and noise"},
+        {"Noise", level(now.noiseDbfs),
+         "Sum of the noise between From and to, without fundamental and harmonics"},
+        {"A-weighted", level(now.noiseADbfs), "The same, weighted as the ear hears it"},
+        {"Noise floor", floor, "Level of the noise in a single bin between From and to"}};
+    if (harmonicsListed_)
+        for (std::size_t i = 0; i < now.harmonics.size(); ++i)
+            shown.push_back({QString("Harmonic %1").arg(i + 2),
+                             now.harmonics[i] ? level(now.harmonics[i]->levelDbfs) : kNothing,
+                             "Level at the multiple of the fundamental's frequency"});
+    if (question_.mainsHz > 0.0) {
+        for (std::size_t i = 0; i < now.mains.size(); ++i)
+            shown.push_back(
+                {QString("Mains %1 Hz").arg(question_.mainsHz * static_cast<double>(i + 1)),
+                 now.mains[i] ? level(now.mains[i]->levelDbfs) : kNothing,
+                 "The strongest line within 0.4 % of the frequency. A dash: the FFT size is too small "
+                 "to tell the lines apart"});
+        shown.push_back({"Hum", level(now.humDbfs), "Sum of the ten lines of the mains"});
+    }
+    panel_.show(std::move(shown));
+}
+
+/// What the picture shows in a column: it holds all bins from the one of the column before to its own.
+std::optional<SpectrumTone> SpectrumMeasuring::toneAt(int column) const {
+    const SpectrumGeometry geometry = view_.plotGeometry();
+    const auto binAt = [&](int x) {
+        return std::floor(frequencyAt(geometry, display_, x) / geometry.binHz) * geometry.binHz;
+    };
+    return reader_.toneBetween(binAt(column - 1), binAt(column), question_);
+}
+
+void SpectrumMeasuring::showPointer() {
+    shownPointer_ = view_.pointer();
+    QString pointed = kNothing;
+    if (shownPointer_) {
+        const double frequency = frequencyAt(view_.plotGeometry(), display_, *shownPointer_);
+        const auto tone = toneAt(*shownPointer_);
+        const auto height = view_.traceHeight(*shownPointer_);
+        if (std::isfinite(frequency))
+            pointed = hertz(frequency) + "  " + (tone ? level(tone->levelDbfs) : kNothing);
+        if (height)
+            pointed += QString("  plot %1 dB").arg(plottedDecibels(view_.plotGeometry(), *height), 0, 'f', 1);
+    }
+    std::array<std::optional<SpectrumTone>, 2> marked;
+    for (std::size_t i = 0; i < markers_.size(); ++i) {
+        const double hz = markers_[i].frequencyHz;
+        const double half = view_.plotGeometry().binHz / 2.0;
+        marked[i] = reader_.toneBetween(hz - half, hz + half, question_);
+        if (marked[i])
+            marked[i]->frequencyHz = hz;
+    }
+    QString difference = kNothing;
+    if (marked[0] && marked[1]) {
+        difference = hertz(marked[1]->frequencyHz - marked[0]->frequencyHz);
+        if (marked[0]->levelDbfs && marked[1]->levelDbfs)
+            difference += "  " + decibels(*marked[1]->levelDbfs - *marked[0]->levelDbfs);
+    }
+    const QString tip =
+        "Frequency, level as a sine's, and the decibels of the picture's grid. A click or Return "
+        "sets mark A, another one B; the right button or Escape takes them away";
+    pointerPanel_.show({{"Pointer", pointed, tip},
+                        {"A", toneText(marked[0]), tip},
+                        {"B", toneText(marked[1]), tip},
+                        {"B - A", difference, "Difference of the marks' frequencies and levels"}});
+}
+
+/// At the tone in the column, if one stands out there. A third mark is the first of new ones.
+void SpectrumMeasuring::mark(int column) {
+    const double frequency = frequencyAt(view_.plotGeometry(), display_, column);
+    if (!std::isfinite(frequency))
+        return;
+    if (markers_.size() == 2)
+        markers_.clear();
+    const auto tone = toneAt(column);
+    markers_.push_back({markers_.empty() ? u'A' : u'B', tone ? tone->frequencyHz : frequency});
+    view_.setMarkers(markers_);
+    ask();
+}
+
+void SpectrumMeasuring::dropMarks() {
+    markers_.clear();
+    view_.setMarkers(markers_);
+    ask();
+}
+
+} // namespace sonotrace

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "base/PlotShapes.h"
+#include "measure/PowerAverage.h"
+#include "spectrum/SpectrumGeometry.h"
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <vector>
+
+namespace sonotrace {
+
+/// Further traces over the stated one, in the order they are painted and listed in.
+enum class SpectrumOverlay : std::uint8_t { Average, PeakHold, Reference, Difference, Corrected };
+inline constexpr std::size_t kSpectrumOverlays = 5;
+
+/// What the further traces are made of. Each spectrum is added; the traces are computed when they are
+/// painted. They are of bins and so follow the range that is shown. Average and peak hold begin anew with a
+/// spectrum of another kind; a reference keeps its own size. Window thread.
+class SpectrumOverlays {
+public:
+    /// Whether a trace is asked for. What is not asked for is not collected; the reference is only hidden.
+    void ask(SpectrumOverlay overlay, bool asked);
+    bool isAsked(SpectrumOverlay overlay) const { return asked_[index(overlay)]; }
+    void setAverage(AverageKind kind, std::int32_t spectra); ///< also asks for it, unless it is off
+
+    /// Response in dB of the microphone at a frequency in Hz, which "corrected" takes off. Empty: none.
+    void setResponse(std::function<double(double)> responseDb) { responseDb_ = std::move(responseDb); }
+
+    /// Takes a spectrum of `fftSize` points, at least as many bins as half of them and one more.
+    void add(std::span<const double> power, double fftSize);
+
+    /// Drops average and peak hold: what comes next is of another kind. Whether there was anything.
+    bool clear();
+    void resetPeakHold() { hold_.clear(); }
+
+    /// Keeps the average, or without one the last spectrum, as the reference. False without either.
+    bool storeReference();
+    bool hasReference() const { return !reference_.empty(); }
+
+    PowerAverage& average() { return average_; }
+
+    /// The line of a trace in a view of these bounds, a corner per column up to 22050 Hz; empty when there is
+    /// nothing to show. The difference lies around the line of -50 dB.
+    void build(SpectrumOverlay overlay, const PlotRect& bounds, const SpectrumDisplay& display,
+               std::vector<PlotPoint>& line);
+
+private:
+    struct Trace {
+        std::span<const double> power;
+        double fftSize = 0;
+    };
+
+    static std::size_t index(SpectrumOverlay overlay) { return static_cast<std::size_t>(overlay); }
+    Trace current();
+    Trace traceOf(SpectrumOverlay overlay);
+    /// Natural logarithms of the columns' power, as the plot scales it.
+    void columnLevels(const Trace& trace, const PlotRect& bounds, const SpectrumDisplay& display,
+                      std::vector<double>& levels);
+
+    std::array<bool, kSpectrumOverlays> asked_{};
+    PowerAverage average_;
+    PeakHold hold_;
+    std::function<double(double)> responseDb_;
+    std::vector<double> last_;
+    double fftSize_ = 0; ///< of all but the reference
+    std::vector<double> reference_;
+    double referenceFftSize_ = 0;
+    std::vector<double> levels_; ///< work
+    std::vector<double> referenceLevels_;
+};
+
+} // namespace sonotrace
