@@ -9,6 +9,7 @@ namespace {
 
 constexpr qint64 kReadingInterval = 250; // ms
 constexpr double kThdIsNoise = 6.0;      // dB above what noise alone reads
+constexpr int kReach = 4;                // columns that a click may miss a tone by
 const QString kNothing = "–";
 
 QString decibels(double value) {
@@ -190,14 +191,19 @@ void SpectrumMeasuring::showPointer() {
                         {"B - A", difference, "Difference of the marks' frequencies and levels"}});
 }
 
-/// At the tone in the column, if one stands out there. A third mark is the first of new ones.
+/// At the tone near the column, if one stands out there. A third mark is the first of new ones.
 void SpectrumMeasuring::mark(int column) {
     const double frequency = frequencyAt(view_.plotGeometry(), display_, column);
     if (!std::isfinite(frequency))
         return;
     if (markers_.size() == 2)
         markers_.clear();
-    const auto tone = toneAt(column);
+    const double low = frequencyAt(view_.plotGeometry(), display_, column - kReach);
+    const double high = frequencyAt(view_.plotGeometry(), display_, column + kReach);
+    const double bin = view_.plotGeometry().binHz;
+    auto tone = reader_.toneBetween(low, high, question_);
+    if (tone && (tone->frequencyHz < low + bin || tone->frequencyHz > high - bin))
+        tone = toneAt(column); // the slope of one that is farther away
     markers_.push_back({markers_.empty() ? u'A' : u'B', tone ? tone->frequencyHz : frequency});
     view_.setMarkers(markers_);
     ask();

@@ -46,6 +46,7 @@ constexpr std::array<OverlayLook, kSpectrumOverlays> kLooks = {
      {"Reference", qRgb(0xe0, 0x80, 0xff)},
      {"Difference, 0 dB at -50", qRgb(0xff, 0xff, 0xff)},
      {"Corrected", qRgb(0xff, 0x90, 0x60)}}};
+constexpr double kOverlayWidth = 1.0; // their colours would not be told apart in a thinner line
 constexpr QRgb kMarkerColour = qRgb(0xff, 0xff, 0x80);
 constexpr int kFarStep = 10; // columns, with Shift
 constexpr int kPageStep = 100;
@@ -180,7 +181,7 @@ void SpectrumView::paintOverlays(QPainter& painter) const {
     painter.scale(1, -1);
     painter.setRenderHint(QPainter::Antialiasing);
     for (std::size_t i = 0; i < overlayLines_.size(); ++i) {
-        painter.setPen(QPen(QColor(kLooks[i].colour), SpectrumTrace::kLineWidth));
+        painter.setPen(QPen(QColor(kLooks[i].colour), kOverlayWidth));
         painter.drawPolyline(polygonOf(overlayLines_[i]));
     }
     painter.restore();

@@ -3,6 +3,7 @@
 #include "spectrum/SpectrumView.h"
 #include "support/ToolWindow.h"
 #include "widgets/LevelIndicator.h"
+#include "widgets/ReadingsPanel.h"
 #include "widgets/RealSlider.h"
 
 #include <QImage>
@@ -83,6 +84,49 @@ TEST_F(SpectrumWindowTest, ATonePeaksInItsBinAndColumnAndTheMeterFallsWithIt) {
 
     tone.bench.set(0, {2500, 0, 0, 0, 0, 1});
     EXPECT_TRUE(seeLevel(0));
+}
+
+TEST_F(SpectrumWindowTest, TheNumbersUnderThePictureAreThoseOfTheTone) {
+    preferences_.setDouble("SPECTRUM_soundInputVolume", 1000);
+    preferences_.setInteger("SPECTRUM_fftSizePopup", 7);
+    preferences_.setInteger("SPECTRUM_windowPopup", 8);
+    preferences_.setInteger("SPECTRUM_channelPopup", 1);
+    Tone tone(system_);
+    tone.bench.set(0, {1000, 0, 0.5, 0.9, 0, 1}); // -6.02 dB on the left
+    open();
+    window_->show();
+    auto& panel = find<ReadingsPanel>("readings");
+    const auto shows = [&](const QString& text) {
+        return QTest::qWaitFor([&] {
+            hear(0.25);
+            return panel.text().contains(text) ||
+                   find<ReadingsPanel>("pointerReadings").text().contains(text);
+        });
+    };
+    EXPECT_TRUE(shows("Peak\t1000.00 Hz  -6.02 dBFS")) << panel.text().toStdString();
+    choose("channelPopup", 2);
+    EXPECT_TRUE(shows("Peak\t1000.00 Hz  -0.92 dBFS")) << panel.text().toStdString();
+
+    // The fifth of 5000 Hz, pointed at with the keys; held, it stays when the tone ends.
+    auto& view = find<SpectrumView>("mainView");
+    const int column = 50 + (view.width() - 130) / 5;
+    view.setFocus(Qt::TabFocusReason);
+    QTest::keyClick(&view, Qt::Key_Home);
+    for (int i = 50; i < column; ++i)
+        QTest::keyClick(&view, Qt::Key_Right);
+    QTest::keyClick(&view, Qt::Key_Return);
+    EXPECT_TRUE(shows("A\t1000.00 Hz  -0.92 dBFS"));
+    QTest::mouseClick(&view, Qt::LeftButton, {}, {column + 100, 10});
+    EXPECT_TRUE(shows("B - A\t"));
+    click("holdButton");
+    EXPECT_TRUE(QTest::qWaitFor([this] { return status().startsWith("Held for"); }));
+    tone.bench.set(0, {1000, 0, 0, 0, 0, 1});
+    hear(2);
+    EXPECT_TRUE(panel.text().contains("-0.92 dBFS"));
+    click("holdButton");
+    EXPECT_TRUE(shows("Peak\t–")) << panel.text().toStdString();
+    QTest::keyClick(&view, Qt::Key_Escape);
+    EXPECT_TRUE(shows("A\t–"));
 }
 
 TEST(SpectrumView, PaintsAsMuchOfEachSpectrumAsMakesThePictureWhole) {
