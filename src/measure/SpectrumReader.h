@@ -78,19 +78,11 @@ public:
                                             const SpectrumQuestion& question) const;
 
 private:
-    struct Sine {
-        double bin = 0;
-        double cosine = 0; ///< amplitudes around the middle of the block
-        double sine = 0;
-        double power() const { return (cosine * cosine + sine * sine) / 2.0; } ///< mean square
-    };
-
     double binHz() const;
     double lastBin() const { return static_cast<double>(samples_.size()) / 2.0; }
     double meanSquareAt(std::span<const double> samples, double bin) const;
     double summitNear(std::span<const double> samples, double bin) const;
     std::optional<std::size_t> highestBin(const std::vector<double>& power, double first, double last) const;
-    Sine fittedSine(double bin) const;
     SpectrumTone tone(double bin, double meanSquare, const SpectrumQuestion& question) const;
     void readHarmonics(SpectrumReadings& readings, const SpectrumQuestion& question, double fundamentalBin);
     void readNoise(SpectrumReadings& readings, const SpectrumQuestion& question,
@@ -110,8 +102,5 @@ private:
     double lobe_ = 0; ///< bins from the middle of a tone's line to its end
     std::int32_t blocks_ = 1;
 };
-
-/// Power gain of the A curve, 1 at 1 kHz.
-double aWeighting(double frequencyHz);
 
 } // namespace sonotrace

@@ -7,8 +7,6 @@
 #include "widgets/InputHints.h"
 #include "widgets/TypedValue.h"
 
-#include <QMenu>
-
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -36,7 +34,7 @@ int loggedBits(double value) {
 SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Preferences& preferences)
     : ToolController(preferences, "SPECTRUM_WINDOW_FRAME"),
       ui_(std::make_unique<Ui::SpectrumWindow>()),
-      analysis_([this] { showSpectrum(); }) {
+      analysis_([this] { takeSpectrum(); }) {
     ui_->setupUi(&window_);
     levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->analysisStrip, ui_->displayStrip, ui_->measureStrip,
                                  ui_->readingsStrip});
@@ -54,10 +52,7 @@ SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Pr
     source_ = std::make_unique<InputSource>(
         system, AudioDeviceTable::Variant::Spectrum, variant,
         InputControls{ui_->inputPopup, ui_->soundInputVolume2, ui_->inputStatus},
-        [this](std::span<const std::int16_t> interleaved) {
-            if (!hold_.isValid())
-                analysis_.capture(interleaved);
-        });
+        [this](std::span<const std::int16_t> interleaved) { capture(interleaved); });
     source_->setHints([this](Hints& hints) { addHints(hints); });
     measuring_ = std::make_unique<SpectrumMeasuring>(analysis_, display_, *ui_->mainView,
                                                      *ui_->pointerReadings, *ui_->readings);
@@ -234,49 +229,10 @@ void SpectrumController::showRulers() {
 }
 
 void SpectrumController::makeOverlayMenu() {
-    auto* const menu = new QMenu(ui_->overlaysButton);
-    ui_->overlaysButton->setMenu(menu);
-    const auto addAction = [this, menu](const char* name, const char* title, auto handler) {
-        QAction* const action = menu->addAction(title);
-        action->setObjectName(name);
-        connect(action, &QAction::triggered, this, handler);
-        return action;
-    };
-    const auto addTrace = [&](const char* name, const char* title, SpectrumOverlay overlay) {
-        QAction* const action = addAction(name, title, [this, overlay](bool asked) {
-            overlays_.ask(overlay, asked);
-            ui_->mainView->update();
-        });
-        action->setCheckable(true);
-        return action;
-    };
-    addTrace("peakHold", "&Peak hold", SpectrumOverlay::PeakHold);
-    addAction("resetPeakHold", "&Reset peak hold", [this] {
-        overlays_.resetPeakHold();
-        ui_->mainView->update();
-    });
-    menu->addSeparator();
-    QAction* const store = addAction("storeReference", "&Store reference", [] {});
-    QAction* const reference = addTrace("reference", "Re&ference", SpectrumOverlay::Reference);
-    QAction* const difference =
-        addTrace("difference", "&Difference to the reference", SpectrumOverlay::Difference);
-    reference->setEnabled(false);
-    difference->setEnabled(false);
-    connect(store, &QAction::triggered, this, [this, reference, difference] {
-        if (!overlays_.storeReference()) {
-            source_->showNotice("There is no spectrum yet to store");
-            return;
-        }
-        reference->setEnabled(true);
-        difference->setEnabled(true);
-        if (!reference->isChecked())
-            reference->trigger();
-        ui_->mainView->update();
-    });
-    menu->addSeparator();
-    QAction* const corrected =
-        addTrace("corrected", "&Corrected for the microphone", SpectrumOverlay::Corrected);
-    corrected->setEnabled(false);
+    ui_->overlaysButton->setMenu(&overlayMenu_);
+    connect(&overlayMenu_, &OverlayMenu::changed, ui_->mainView, qOverload<>(&QWidget::update));
+    connect(&overlayMenu_, &OverlayMenu::nothingToStore, this,
+            [this] { source_->showNotice("There is no spectrum yet to store"); });
 }
 
 void SpectrumController::connectMeasuring() {
@@ -304,10 +260,19 @@ void SpectrumController::takeMeasuringControls() {
     measuring_->setMains(kMains[std::clamp(ui_->mainsPopup->currentIndex(), 0, 2)]);
 }
 
-void SpectrumController::showSpectrum() {
+void SpectrumController::takeSpectrum() {
     overlays_.add(analysis_.powerSpectrum(), analysis_.fftSize());
     measuring_->takeNewSpectrum();
-    ui_->mainView->showSpectrum();
+    hasNew_ = true;
+}
+
+/// Of the many short spectra that a buffer may hold, the last is the one to be seen.
+void SpectrumController::capture(std::span<const std::int16_t> interleaved) {
+    if (hold_.isValid())
+        return;
+    analysis_.capture(interleaved);
+    if (std::exchange(hasNew_, false))
+        ui_->mainView->showSpectrum();
 }
 
 /// What they have collected does not fit what comes. Nor does what is held.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "spectrum/OverlayMenu.h"
 #include "spectrum/SpectrumAnalysis.h"
 #include "spectrum/SpectrumGeometry.h"
 #include "spectrum/SpectrumMeasuring.h"
@@ -58,7 +59,8 @@ private:
     void makeOverlayMenu();
     void connectMeasuring();
     void takeMeasuringControls();
-    void showSpectrum();
+    void takeSpectrum();
+    void capture(std::span<const std::int16_t> interleaved);
     void clearOverlays(const QString& reason);
     void doChannel();
     void doAverage();
@@ -70,10 +72,12 @@ private:
     SpectrumDisplay display_;
     SpectrumAnalysis analysis_;
     SpectrumOverlays overlays_;
+    OverlayMenu overlayMenu_{overlays_};
     std::unique_ptr<SpectrumMeasuring> measuring_;
     Ruler frequencyRuler_{Ruler::Side::Bottom, "Frequency", "Hz"};
     Ruler levelRuler_{Ruler::Side::Right, "Plotted level", "dB"};
     std::unique_ptr<InputSource> source_;
+    bool hasNew_ = false; ///< a spectrum that the view has not been told of
     SpectrumDisplay heldDisplay_;
     QElapsedTimer hold_; ///< since spectrum and readings are held; not valid while they are not
     QTimer bargraphTimer_;

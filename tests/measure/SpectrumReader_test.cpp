@@ -1,6 +1,7 @@
 #include "measure/SpectrumReader.h"
 
 #include "base/FftWindows.h"
+#include "measure/AWeighting.h"
 
 #include <gtest/gtest.h>
 
