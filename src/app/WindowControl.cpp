@@ -1,6 +1,7 @@
 #include "app/WindowControl.h"
 
 #include "app/About.h"
+#include "app/CalibrationDialog.h"
 #include "app/FirstRunDefaults.h"
 #include "app/GeneratorWindow.h"
 #include "app/QuitQuestion.h"
@@ -52,13 +53,16 @@ WindowControl::WindowControl(SoundSystem& system, Preferences& preferences)
       preferences_(preferences),
       render_(bank_, sweep_, sineTable_, recorder_),
       output_(system, devices_, [this](std::span<std::int16_t> samples) { render_.render(samples); }),
+      calibrations_(preferences),
+      levels_(bank_, sweep_),
       window_(std::make_unique<QMainWindow>()) {}
 
 WindowControl::~WindowControl() = default;
 
 void WindowControl::awakeFromNib() {
+    auto* panel = new GeneratorPanel(bank_, levels_, [this] { return analyzerBlock(); });
     const GeneratorWindow parts =
-        buildGeneratorWindow(*window_, bank_, QString::fromStdString(system_.name()));
+        buildGeneratorWindow(*window_, panel, QString::fromStdString(system_.name()));
     menu_ = parts.menu;
     panel_ = parts.panel;
     outputPopup_ = parts.outputPopup;
@@ -66,6 +70,7 @@ void WindowControl::awakeFromNib() {
     connectMenu();
     connect(parts.syncPhases, &QAbstractButton::clicked, this, &WindowControl::syncPhases);
     connect(parts.allOff, &QAbstractButton::clicked, this, &WindowControl::allOff);
+    connect(&calibrations_, &Calibrations::changed, this, [this] { calibrateOutput(outputUid_); });
     guardClosing(*window_, [this] { return mayQuit(); });
 
     deleteSomeMenuItems(*window_->menuBar());
@@ -105,6 +110,7 @@ void WindowControl::connectMenu() {
     on(menu_.undoOpenSettings, &WindowControl::undoOpenSettings);
     on(menu_.allOff, &WindowControl::allOff);
     on(menu_.refreshDevices, &WindowControl::refreshDevices);
+    on(menu_.calibrate, &WindowControl::calibrate);
     on(menu_.arrangeWindows, &WindowControl::arrangeOpenWindows);
     connect(menu_.restoreInputVolumes, &QAction::triggered, this,
             [this](bool restore) { preferences_.setInteger(kRestoreKey, restore ? 1 : 0); });
@@ -135,6 +141,7 @@ void WindowControl::SetSoundDevices() {
 
 void WindowControl::startSound() {
     output_.startSound(outputPopup_->currentIndex());
+    calibrateOutput(output_.chosen().uid);
 }
 
 void WindowControl::stopSound() {
@@ -152,6 +159,29 @@ void WindowControl::refreshDevices() {
         status_->showNotice(trouble);
     for (ToolController* tool : tools_)
         tool->refreshDevices();
+    if (calibrationDialog_)
+        calibrationDialog_->showDevices(devices_);
+}
+
+void WindowControl::calibrate() {
+    if (!calibrationDialog_) {
+        calibrationDialog_ = new CalibrationDialog(calibrations_, preferences_, window_.get());
+        calibrationDialog_->showDevices(devices_);
+    }
+    bringToFront(*calibrationDialog_);
+}
+
+void WindowControl::calibrateOutput(const std::string& uid) {
+    outputUid_ = uid;
+    levels_.setCalibration(calibrations_.calibration(Calibrations::Side::Output, uid));
+}
+
+/// As it would be if it were open now.
+int WindowControl::analyzerBlock() const {
+    if (spectrumController_)
+        return static_cast<int>(spectrumController_->analysis().fftSize());
+    const auto item = static_cast<std::size_t>(preferences_.integerValue("SPECTRUM_fftSizePopup"));
+    return item < kSpectrumFftSizes.size() ? kSpectrumFftSizes[item] : kSpectrumFftSizes.front();
 }
 
 void WindowControl::arrangeOpenWindows() {
@@ -187,7 +217,7 @@ void WindowControl::menuGenerators() {
 }
 
 void WindowControl::menuSweep() {
-    openTool(sweepController_, "sweep", sweep_, preferences_);
+    openTool(sweepController_, "sweep", sweep_, levels_, preferences_);
 }
 
 void WindowControl::menuSpectrum() {
@@ -210,6 +240,7 @@ void WindowControl::openTool(std::unique_ptr<Controller>& controller, const char
         return;
     }
     controller = std::make_unique<Controller>(arguments...);
+    controller->setCalibrations(calibrations_);
     controller->awakeFromNib();
     tools_.push_back(controller.get());
     connect(qApp, &QCoreApplication::aboutToQuit, controller.get(), &Controller::applicationWillTerminate);
@@ -232,6 +263,8 @@ void WindowControl::HalfSecTimer() {
 void WindowControl::showOutput() {
     const QueueState state = output_.state();
     status_->showOutput(state);
+    if (state.deviceUid != outputUid_)
+        calibrateOutput(state.deviceUid);
     if (!return_.isReturn(state))
         return;
     if (devices_.outputPosition(output_.chosen().uid) != outputPopup_->currentIndex())
