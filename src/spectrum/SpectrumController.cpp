@@ -5,6 +5,7 @@
 #include "base/SystemLog.h"
 #include "ui_SpectrumWindow.h"
 #include "widgets/InputHints.h"
+#include "widgets/LevelText.h"
 #include "widgets/TypedValue.h"
 
 #include <algorithm>
@@ -244,6 +245,8 @@ void SpectrumController::connectMeasuring() {
             &SpectrumMeasuring::setHarmonicsListed);
     connect(ui_->fundamentalText, &QLineEdit::textChanged, this, &SpectrumController::takeMeasuringControls);
     connect(ui_->mainsPopup, &QComboBox::activated, this, &SpectrumController::takeMeasuringControls);
+    connect(source_.get(), &InputSource::calibrationChanged, this, &SpectrumController::calibrate);
+    calibrate();
     connect(source_.get(), &InputSource::aboutToStart, this,
             [this] { clearOverlays("the input has changed"); });
 }
@@ -281,6 +284,17 @@ void SpectrumController::clearOverlays(const QString& reason) {
         ui_->holdButton->click();
     if (overlays_.clear())
         source_->showNotice("Average and peak hold begin anew: " + reason);
+}
+
+void SpectrumController::calibrate() {
+    measuring_->setLevelText([calibration = source_->calibration()](double levelDbfs) {
+        return levelText(calibration, levelDbfs);
+    });
+    std::function<double(double)> responseDb;
+    if (!source_->correction().isEmpty())
+        responseDb = [this](double frequencyHz) { return source_->correction().correctionDb(frequencyHz); };
+    measuring_->setResponse(responseDb);
+    overlayMenu_.setResponse(responseDb);
 }
 
 void SpectrumController::doChannel() {

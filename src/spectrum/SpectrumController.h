@@ -34,6 +34,7 @@ public:
     void awakeFromNib();
 
     void refreshDevices() override { source_->refreshDevices(); }
+    void setCalibrations(Calibrations& calibrations) override { source_->setCalibrations(calibrations); }
 
     const SpectrumAnalysis& analysis() const { return analysis_; }
     const SpectrumDisplay& display() const { return display_; }
@@ -62,6 +63,7 @@ private:
     void takeSpectrum();
     void capture(std::span<const std::int16_t> interleaved);
     void clearOverlays(const QString& reason);
+    void calibrate();
     void doChannel();
     void doAverage();
     void doHold();

@@ -1,5 +1,7 @@
 #include "spectrum/SpectrumMeasuring.h"
 
+#include "widgets/LevelText.h"
+
 #include <cmath>
 #include <utility>
 
@@ -40,7 +42,7 @@ SpectrumMeasuring::SpectrumMeasuring(const SpectrumAnalysis& analysis, const Spe
       view_(view),
       pointerPanel_(pointerPanel),
       panel_(panel),
-      levelText_([](double levelDbfs) { return QString("%1 dBFS").arg(levelDbfs, 0, 'f', 2); }) {
+      levelText_([](double levelDbfs) { return levelText({}, levelDbfs); }) {
     connect(&view_, &SpectrumView::clicked, this, &SpectrumMeasuring::mark);
     connect(&view_, &SpectrumView::escaped, this, &SpectrumMeasuring::dropMarks);
 }
