@@ -93,6 +93,14 @@ std::optional<double> instantaneousValue(const Calibration& calibration, double 
     return part * std::numbers::sqrt2 * toLinear(calibration.unit, calibration.fullScale);
 }
 
+Calibration inUnit(const Calibration& calibration, LevelUnit unit) {
+    const bool isRelated = isCalibrated(calibration) && linearUnit(unit) == linearUnit(calibration.unit);
+    if (!isRelated || unit == calibration.unit)
+        return {unit, calibration.fullScale};
+    const double linear = toLinear(calibration.unit, calibration.fullScale);
+    return {unit, isLogarithmic(unit) ? decibels(linear / facts(unit).reference) : linear};
+}
+
 Calibration calibrationFromLevel(LevelUnit unit, double levelDbfs, double known) {
     return {unit, isLogarithmic(unit) ? known - levelDbfs : known / std::pow(10.0, levelDbfs / 20.0)};
 }

@@ -45,6 +45,9 @@ std::optional<double> levelDbfs(const Calibration& calibration, double value, Le
 /// The volts or pascals of a sample, which is given as a part of full scale: sample / 32768.
 std::optional<double> instantaneousValue(const Calibration& calibration, double part);
 
+/// The same calibration in another unit of the same kind; the bare number in every other.
+Calibration inUnit(const Calibration& calibration, LevelUnit unit);
+
 /// The calibration that makes a level `known`, which is in the unit.
 Calibration calibrationFromLevel(LevelUnit unit, double levelDbfs, double known);
 

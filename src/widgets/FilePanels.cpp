@@ -15,7 +15,7 @@ namespace {
 
 QString folderOf(const FileKind& kind, const Preferences& preferences) {
     for (const QString& folder :
-         {preferences.folder(kind.folderKey), QStandardPaths::writableLocation(kind.firstFolder)}) {
+         {preferences.path(kind.folderKey), QStandardPaths::writableLocation(kind.firstFolder)}) {
         if (!folder.isEmpty() && QFileInfo(folder).isDir())
             return folder;
     }
@@ -32,7 +32,7 @@ std::optional<QString> run(QFileDialog& panel, Preferences& preferences, const F
     if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty())
         return std::nullopt;
     const QString path = panel.selectedFiles().first();
-    preferences.setFolder(kind.folderKey, QFileInfo(path).absolutePath());
+    preferences.setPath(kind.folderKey, QFileInfo(path).absolutePath());
     return path;
 }
 

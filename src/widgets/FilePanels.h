@@ -24,6 +24,7 @@ struct FileKind {
 inline constexpr FileKind kSettingsFiles{"FILES_settingsFolder", QStandardPaths::DocumentsLocation, "", ""};
 inline constexpr FileKind kRecordings{"FILES_recordingFolder", QStandardPaths::MusicLocation,
                                       "WAV files (*.wav *.WAV)", "wav"};
+inline constexpr FileKind kCorrections{"FILES_correctionFolder", QStandardPaths::DocumentsLocation, "", ""};
 inline constexpr FileKind kPictures{"FILES_pictureFolder", QStandardPaths::PicturesLocation,
                                     "PNG pictures (*.png)", "png"};
 

@@ -120,6 +120,8 @@ void InputSource::showState() {
         showNotice(QString("%1 is back and listened to again").arg(QString::fromStdString(state.deviceName)));
     }
     keepVolume(state);
+    if (state.deviceUid != calibratedUid_)
+        calibrate(state.deviceUid);
     Hints all = hints(state);
     if (notice_.isValid() && !notice_.hasExpired(kNoticeTime))
         all.push_back({Hint::Urgency::News, noticeText_});
@@ -141,7 +143,43 @@ Hints InputSource::hints(const QueueState& state) {
             {Hint::Urgency::Warning, "The list of inputs is empty: choose Tools > Refresh Devices"});
     append(volumeHints({sliderGain(), deviceVolume(state), system_.inputVolumeExponent()}));
     append(signalHints(watch_.findings(), fold_));
+    append(calibrationHints());
     toolHints_(all);
+    return all;
+}
+
+void InputSource::setCalibrations(Calibrations& calibrations) {
+    calibrations_ = &calibrations;
+    connect(&calibrations, &Calibrations::changed, this, [this] { calibrate(calibratedUid_); });
+    calibrate(stream_.state().deviceUid);
+}
+
+/// An empty `uid`: the stream is on no device.
+void InputSource::calibrate(const std::string& uid) {
+    if (!calibrations_ || uid.empty())
+        return;
+    const Calibration calibration = calibrations_->calibration(Calibrations::Side::Input, uid);
+    const auto& correction = calibrations_->correction(uid).curve;
+    calibratedUid_ = uid;
+    const bool isSameCurve = correction == correction_ || (correction->isEmpty() && correction_->isEmpty());
+    if (calibration == calibration_ && isSameCurve)
+        return;
+    calibration_ = calibration;
+    correction_ = correction;
+    Q_EMIT calibrationChanged();
+}
+
+/// Why a number is not what the user has been promised.
+Hints InputSource::calibrationHints() {
+    Hints all;
+    const std::string_view trouble = calibrationTrouble(calibration_);
+    if (!trouble.empty())
+        all.push_back(
+            {Hint::Urgency::Warning,
+             "Not calibrated: " + QString::fromUtf8(trouble.data(), static_cast<qsizetype>(trouble.size()))});
+    if (calibrations_ && !calibrations_->correction(calibratedUid_).trouble.isEmpty())
+        all.push_back(
+            {Hint::Urgency::Warning, describeCorrection(calibrations_->correction(calibratedUid_))});
     return all;
 }
 

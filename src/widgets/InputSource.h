@@ -4,6 +4,7 @@
 #include "audio/CaptureStream.h"
 #include "audio/InputGain.h"
 #include "audio/InputWatch.h"
+#include "widgets/Calibrations.h"
 #include "widgets/DeviceInUse.h"
 #include "widgets/StatusRow.h"
 
@@ -64,15 +65,26 @@ public:
 
     const AudioDeviceTable& devices() const { return devices_; }
 
+    /// Where the user's calibrations are; without them no device is calibrated. They outlive the source.
+    void setCalibrations(Calibrations& calibrations);
+
+    /// Those of the device that is really listened to.
+    const Calibration& calibration() const { return calibration_; }
+    const MicrophoneCorrection& correction() const { return *correction_; }
+
 Q_SIGNALS:
     void aboutToStop();
     void aboutToStart();
     /// The stream runs; the volume has not been sent to the device yet.
     void started();
+    /// calibration() or correction() is another: the user has changed it, or another device is listened to.
+    void calibrationChanged();
 
 private:
     void doInputDevice();
     void showState();
+    void calibrate(const std::string& uid);
+    Hints calibrationHints();
     Hints hints(const QueueState& state);
     std::optional<float> deviceVolume(const QueueState& state);
     void setSoundInputVolume();
@@ -95,6 +107,10 @@ private:
     QString noticeText_;
     std::optional<ChannelFold> fold_; ///< what the tool analyses, if it is one signal
     std::function<void(Hints& hints)> toolHints_ = [](Hints&) {};
+    Calibrations* calibrations_ = nullptr;
+    Calibration calibration_;
+    std::shared_ptr<const MicrophoneCorrection> correction_ = std::make_shared<MicrophoneCorrection>();
+    std::string calibratedUid_;
     float lastVolume_ = 0;   ///< of the device, at the last look
     std::uint64_t gaps_ = 0; ///< QueueState::underruns at the last look
     QElapsedTimer newGaps_;  ///< since there was one

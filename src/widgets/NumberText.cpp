@@ -62,7 +62,8 @@ double numberFromText(const QString& text) {
 }
 
 std::optional<NumberAndUnit> numberAndUnit(const QString& text) {
-    static const QRegularExpression form(R"(^([+-]?(?:\d+\.?\d*|\.\d+)(?:[eE][+-]?\d+)?)\s*([^\s\d.,]*)$)");
+    static const QRegularExpression form(
+        R"(^([+-]?(?:\d+\.?\d*|\.\d+)(?:[eE][+-]?\d+)?)\s*((?:[^\s\d.,]+(?: [^\s\d.,]+)?)?)$)");
     const QRegularExpressionMatch match = form.match(text.trimmed());
     if (!match.hasMatch())
         return std::nullopt;

@@ -14,7 +14,7 @@ double numberFromText(const QString& text);
 /// A text that is a number and nothing else but a unit after it.
 struct NumberAndUnit {
     double number;
-    QString unit; ///< may be empty; in small letters
+    QString unit; ///< one word or two, or empty; in small letters
 };
 
 /// Nothing when the text is something else.

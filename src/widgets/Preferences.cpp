@@ -69,7 +69,7 @@ std::int32_t Preferences::integerValue(const QString& key) const {
     return truncateToInt32(doubleValue(key));
 }
 
-QString Preferences::folder(const QString& key) const {
+QString Preferences::path(const QString& key) const {
     return QUrl(values_.value(key), QUrl::StrictMode).toLocalFile();
 }
 
@@ -87,7 +87,7 @@ void Preferences::setInteger(const QString& key, std::int32_t value) {
     set(key, QString::number(value));
 }
 
-void Preferences::setFolder(const QString& key, const QString& path) {
+void Preferences::setPath(const QString& key, const QString& path) {
     // A name may hold what ends or trims a line.
     set(key, QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded));
 }

@@ -24,12 +24,12 @@ public:
     float floatValue(const QString& key) const;
     double doubleValue(const QString& key) const;
     std::int32_t integerValue(const QString& key) const;
-    QString folder(const QString& key) const; ///< empty when there is none
+    QString path(const QString& key) const; ///< of a file or folder; empty when there is none
 
     void setFloat(const QString& key, double value); ///< narrowed to single precision
     void setDouble(const QString& key, double value);
     void setInteger(const QString& key, std::int32_t value);
-    void setFolder(const QString& key, const QString& path);
+    void setPath(const QString& key, const QString& path);
 
     /// Window frames are kept as "x y width height". Restoring leaves the frame alone when the key holds
     /// nothing sensible or lies off every screen. In any case the window then fits its screen.

@@ -13,6 +13,8 @@
 
 namespace sonotrace {
 
+class Calibrations;
+
 /// What the controllers of the tool windows share: the window, and what the preferences keep of it. Window
 /// thread.
 class ToolController : public QObject {
@@ -22,6 +24,9 @@ public:
 
     /// Builds the list of devices anew, where the window has one.
     virtual void refreshDevices() {}
+
+    /// Where the calibrations of what it listens to are, which outlive it. Before it starts to listen.
+    virtual void setCalibrations(Calibrations&) {}
 
     QWidget& window() { return window_; }
 
