@@ -29,14 +29,14 @@ QScrollArea* scrolled(GeneratorPanel* panel) {
 
 } // namespace
 
-GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorBank& bank, const QString& soundSystem) {
+GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorPanel* panel, const QString& soundSystem) {
     window.setObjectName("GeneratorWindow");
     window.setWindowTitle("Sonotrace Generators");
 
     GeneratorWindow parts{};
     window.menuBar()->setObjectName("myMenu");
     parts.menu = buildMainMenu(*window.menuBar());
-    parts.panel = new GeneratorPanel(bank);
+    parts.panel = panel;
 
     auto* outputPopup = new QComboBox;
     introduce(*outputPopup, "outputPopup", "Output device", "The device that the generators play on");

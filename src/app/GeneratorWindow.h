@@ -9,7 +9,6 @@ class QString;
 
 namespace sonotrace {
 
-struct GeneratorBank;
 class GeneratorPanel;
 class StatusLine;
 
@@ -23,7 +22,8 @@ struct GeneratorWindow {
     StatusLine* status;
 };
 
-/// Lays out the generator window: menu bar, panel, output device, phase synchronisation, status bar.
-GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorBank& bank, const QString& soundSystem);
+/// Lays out the generator window: menu bar, panel, output device, phase synchronisation, status bar. The
+/// window takes the panel over.
+GeneratorWindow buildGeneratorWindow(QMainWindow& window, GeneratorPanel* panel, const QString& soundSystem);
 
 } // namespace sonotrace

@@ -52,13 +52,16 @@ WindowControl::WindowControl(SoundSystem& system, Preferences& preferences)
       preferences_(preferences),
       render_(bank_, sweep_, sineTable_, recorder_),
       output_(system, devices_, [this](std::span<std::int16_t> samples) { render_.render(samples); }),
+      calibrations_(preferences),
+      levels_(bank_, sweep_),
       window_(std::make_unique<QMainWindow>()) {}
 
 WindowControl::~WindowControl() = default;
 
 void WindowControl::awakeFromNib() {
+    auto* panel = new GeneratorPanel(bank_, levels_, [this] { return analyzerBlock(); });
     const GeneratorWindow parts =
-        buildGeneratorWindow(*window_, bank_, QString::fromStdString(system_.name()));
+        buildGeneratorWindow(*window_, panel, QString::fromStdString(system_.name()));
     menu_ = parts.menu;
     panel_ = parts.panel;
     outputPopup_ = parts.outputPopup;
@@ -66,6 +69,7 @@ void WindowControl::awakeFromNib() {
     connectMenu();
     connect(parts.syncPhases, &QAbstractButton::clicked, this, &WindowControl::syncPhases);
     connect(parts.allOff, &QAbstractButton::clicked, this, &WindowControl::allOff);
+    connect(&calibrations_, &Calibrations::changed, this, [this] { calibrateOutput(outputUid_); });
     guardClosing(*window_, [this] { return mayQuit(); });
 
     deleteSomeMenuItems(*window_->menuBar());
@@ -135,6 +139,7 @@ void WindowControl::SetSoundDevices() {
 
 void WindowControl::startSound() {
     output_.startSound(outputPopup_->currentIndex());
+    calibrateOutput(output_.chosen().uid);
 }
 
 void WindowControl::stopSound() {
@@ -152,6 +157,19 @@ void WindowControl::refreshDevices() {
         status_->showNotice(trouble);
     for (ToolController* tool : tools_)
         tool->refreshDevices();
+}
+
+void WindowControl::calibrateOutput(const std::string& uid) {
+    outputUid_ = uid;
+    levels_.setCalibration(calibrations_.calibration(Calibrations::Side::Output, uid));
+}
+
+/// As it would be if it were open now.
+int WindowControl::analyzerBlock() const {
+    if (spectrumController_)
+        return static_cast<int>(spectrumController_->analysis().fftSize());
+    const auto item = static_cast<std::size_t>(preferences_.integerValue("SPECTRUM_fftSizePopup"));
+    return item < kSpectrumFftSizes.size() ? kSpectrumFftSizes[item] : kSpectrumFftSizes.front();
 }
 
 void WindowControl::arrangeOpenWindows() {
@@ -187,7 +205,7 @@ void WindowControl::menuGenerators() {
 }
 
 void WindowControl::menuSweep() {
-    openTool(sweepController_, "sweep", sweep_, preferences_);
+    openTool(sweepController_, "sweep", sweep_, levels_, preferences_);
 }
 
 void WindowControl::menuSpectrum() {
@@ -210,6 +228,7 @@ void WindowControl::openTool(std::unique_ptr<Controller>& controller, const char
         return;
     }
     controller = std::make_unique<Controller>(arguments...);
+    controller->setCalibrations(calibrations_);
     controller->awakeFromNib();
     tools_.push_back(controller.get());
     connect(qApp, &QCoreApplication::aboutToQuit, controller.get(), &Controller::applicationWillTerminate);
@@ -232,6 +251,8 @@ void WindowControl::HalfSecTimer() {
 void WindowControl::showOutput() {
     const QueueState state = output_.state();
     status_->showOutput(state);
+    if (state.deviceUid != outputUid_)
+        calibrateOutput(state.deviceUid);
     if (!return_.isReturn(state))
         return;
     if (devices_.outputPosition(output_.chosen().uid) != outputPopup_->currentIndex())

@@ -4,11 +4,13 @@
 #include "audio/AudioDeviceTable.h"
 #include "audio/OutputStream.h"
 #include "generator/GeneratorBank.h"
+#include "generator/OutputLevels.h"
 #include "generator/OutputRender.h"
 #include "generator/SineTable.h"
 #include "generator/SweepParameters.h"
 #include "generator/WavRecorder.h"
 #include "platform/SoundSystem.h"
+#include "widgets/Calibrations.h"
 #include "widgets/DeviceInUse.h"
 #include "widgets/Preferences.h"
 #include "widgets/QtRunLoop.h"
@@ -92,6 +94,8 @@ private:
     void startSound();
     void stopSound();
     void showOutput();
+    void calibrateOutput(const std::string& uid);
+    int analyzerBlock() const;
     void showRecordingState();
     void showOutcome();
     QString lossNotice() const;
@@ -110,6 +114,9 @@ private:
     OutputRender render_;
     AudioDeviceTable devices_;
     OutputStream output_;
+    Calibrations calibrations_;
+    OutputLevels levels_;
+    std::string outputUid_; ///< of the device that the levels are for
 
     UnfocusedWheel unfocusedWheel_;
     const std::unique_ptr<QMainWindow> window_;

@@ -5,6 +5,7 @@
 #include <QWidget>
 
 #include <array>
+#include <functional>
 
 class QCheckBox;
 class QComboBox;
@@ -13,6 +14,7 @@ class QLabel;
 namespace sonotrace {
 
 class NumberField;
+class OutputLevels;
 class RealSlider;
 
 /// The container of the generator panel; its coordinates grow downward from the top-left corner.
@@ -24,7 +26,8 @@ class GeneratorPanel : public WindowView {
     Q_OBJECT
 
 public:
-    explicit GeneratorPanel(GeneratorBank& bank, QWidget* parent = nullptr);
+    /// `bank` and `levels` outlive the panel. `blockSize`: of the spectrum analyzer.
+    GeneratorPanel(GeneratorBank& bank, const OutputLevels& levels, std::function<int()> blockSize);
 
     /// Creates the rows from the bank as it is.
     void BuildControls();
@@ -58,6 +61,7 @@ private:
     QRect place(int x, int y, int width, int height) const;
 
     void buildRow(int slot, const GeneratorSettings& settings);
+    void addFrequencyActions(NumberField& field) const;
     void placeCaptions();
     RealSlider* volumeSlider(int slot, const char* name, int tag, int x, const QString& channel,
                              double volume);
@@ -68,6 +72,8 @@ private:
     const Row& row(int slot) const { return rows_[static_cast<std::size_t>(slot)]; }
 
     GeneratorBank& bank_;
+    const OutputLevels& levels_;
+    const std::function<int()> blockSize_;
     const double scale_;
     std::array<Row, kGeneratorCount> rows_{};
 };

@@ -1,6 +1,7 @@
 #include "sweep/SweepController.h"
 
 #include "base/SystemLog.h"
+#include "generator/OutputLevels.h"
 #include "sweep/SweepStatus.h"
 #include "ui_SweepWindow.h"
 #include "widgets/TypedValue.h"
@@ -25,9 +26,11 @@ QString logRateUnit() {
 
 } // namespace
 
-SweepController::SweepController(SweepParameters& parameters, Preferences& preferences)
+SweepController::SweepController(SweepParameters& parameters, const OutputLevels& levels,
+                                 Preferences& preferences)
     : ToolController(preferences, "SWEEP_WINDOW_FRAME"),
       parameters_(parameters),
+      levels_(levels),
       ui_(std::make_unique<Ui::SweepWindow>()) {
     ui_->setupUi(&window_);
 }
@@ -96,7 +99,7 @@ void SweepController::connectControls() {
 /// Keeps the per cent beside a slider.
 void SweepController::follow(RealSlider& slider, QLabel& readout) {
     keepRoom({&readout});
-    letType(slider, readout, volumeNotation());
+    letType(slider, readout, levels_.notation(parameters_.enabled));
     slider.setFirstValue(0.0);
     connect(&slider, &RealSlider::doubleValueChanged, &readout,
             [&readout](double value) { readout.setText(QString("%1 %").arg(value * 100.0, 0, 'f', 1)); });

@@ -15,6 +15,7 @@ class SweepWindow;
 
 namespace sonotrace {
 
+class OutputLevels;
 class RealSlider;
 
 /// The sweep's window. Every control writes its parameter at once, as it is: the render copes with any value.
@@ -23,8 +24,8 @@ class SweepController : public ToolController {
     Q_OBJECT
 
 public:
-    /// `parameters` and `preferences` outlive the controller.
-    SweepController(SweepParameters& parameters, Preferences& preferences);
+    /// The arguments outlive the controller.
+    SweepController(SweepParameters& parameters, const OutputLevels& levels, Preferences& preferences);
     ~SweepController() override;
 
     /// Loads what is stored into the controls and the parameters. Once.
@@ -58,6 +59,7 @@ private:
     void showState();
 
     SweepParameters& parameters_;
+    const OutputLevels& levels_;
     const std::unique_ptr<Ui::SweepWindow> ui_;
     QTimer stateTimer_;
 };

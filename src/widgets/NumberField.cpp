@@ -4,7 +4,9 @@
 #include "widgets/NumberText.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QMenu>
 
 #include <algorithm>
 #include <cmath>
@@ -104,6 +106,15 @@ void NumberField::changeEvent(QEvent* event) {
         showLook(); // the desktop may have gone dark
 }
 
+void NumberField::contextMenuEvent(QContextMenuEvent* event) {
+    QMenu* menu = createStandardContextMenu();
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    if (!actions().isEmpty())
+        menu->addSeparator();
+    menu->addActions(actions());
+    menu->popup(event->globalPos());
+}
+
 QSize NumberField::minimumSizeHint() const {
     const QFontMetrics metrics = fontMetrics();
     // The field's own hint is a single letter, the widest.
@@ -123,16 +134,15 @@ void NumberField::keyPressEvent(QKeyEvent* event) {
     const bool isCoarse = isPage || (event->modifiers() & Qt::ShiftModifier);
     const double next =
         nextStep(thousandsFromText(text()).value_or(doubleValue()), isUp, isCoarse ? 10.0 : 1.0);
-    replaceText(std::clamp(next, leastStep_, mostStep_));
+    typeValue(std::clamp(next, leastStep_, mostStep_));
 }
 
 void NumberField::writeOutThousands() {
     if (const auto value = thousandsFromText(text()); value && !isReadOnly())
-        replaceText(*value);
+        typeValue(*value);
 }
 
-/// As if it were typed.
-void NumberField::replaceText(double value) {
+void NumberField::typeValue(double value) {
     if (!std::isfinite(value))
         return;
     selectAll();

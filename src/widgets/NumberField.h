@@ -20,6 +20,9 @@ public:
     void setDoubleValue(double value);
     void setFloatValue(float value);
 
+    /// Shows one as if it were typed; what is not finite is not shown.
+    void typeValue(double value);
+
     /// How far the keys step; what is typed has no limits. 0 and no upper limit at first.
     void setStepLimits(double least, double most);
 
@@ -32,11 +35,11 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override; ///< the field's actions as well
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void showLook();
-    void replaceText(double value);
     void writeOutThousands();
 
     double leastStep_ = 0.0;

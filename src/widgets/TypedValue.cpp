@@ -6,6 +6,8 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMap>
+#include <QToolTip>
 
 #include <cmath>
 #include <utility>
@@ -22,7 +24,7 @@ public:
     ValueField(RealSlider& slider, QLabel& label, const ValueNotation& notation)
         : QLineEdit(notation.write(slider.doubleValue()), label.parentWidget()),
           slider_(slider),
-          read_(notation.read),
+          notation_(notation),
           shown_(text()) {
         setAccessibleName(slider.accessibleName());
         const QSize size =
@@ -57,17 +59,23 @@ private:
     /// A text that is as it was does not round the value to what it says.
     void close(const QString& text) {
         disconnect(this, &QLineEdit::editingFinished, nullptr, nullptr);
-        const auto value = text == shown_ ? std::nullopt : read_(text);
+        const auto value = text == shown_ ? std::nullopt : notation_.read(text);
         if (hasFocus())
             slider_.setFocus();
         deleteLater();
         hide();
-        if (value)
-            slider_.enterValue(*value);
+        if (!value)
+            return;
+        slider_.enterValue(*value);
+        if (*value > slider_.maximumValue())
+            QToolTip::showText(slider_.mapToGlobal(slider_.rect().bottomLeft()),
+                               QString("%1 is more than there is: set to %2")
+                                   .arg(text, notation_.write(slider_.doubleValue())),
+                               &slider_);
     }
 
     RealSlider& slider_;
-    const std::function<std::optional<double>(const QString&)> read_;
+    const ValueNotation notation_;
     const QString shown_;
 };
 
@@ -85,6 +93,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
         if (event->type() == QEvent::EnabledChange && watched == &slider_)
             label_.setEnabled(slider_.isEnabled());
+        if (notation_.describe && (event->type() == QEvent::ToolTip || event->type() == QEvent::FocusIn))
+            describe(*static_cast<QWidget*>(watched));
         const bool isAsked =
             watched == &label_ && event->type() == QEvent::MouseButtonDblClick && slider_.isEnabled();
         if (isAsked)
@@ -95,9 +105,20 @@ protected:
 private:
     void open() { new ValueField(slider_, label_, notation_); }
 
+    /// Only when it is wanted: it depends on what else is on.
+    void describe(QWidget& widget) {
+        QString& before = usualTips_[&widget];
+        if (before.isEmpty())
+            before = widget.toolTip();
+        const QString text = notation_.describe(slider_.doubleValue());
+        widget.setToolTip(text.isEmpty() ? before : text + '\n' + before);
+        widget.setAccessibleDescription(widget.toolTip());
+    }
+
     RealSlider& slider_;
     QLabel& label_;
     const ValueNotation notation_;
+    QMap<QWidget*, QString> usualTips_; ///< their usual tips
 };
 
 void addHint(QWidget& widget, const QString& hint) {

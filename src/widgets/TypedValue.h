@@ -16,6 +16,8 @@ class RealSlider;
 struct ValueNotation {
     std::function<QString(double value)> write;
     std::function<std::optional<double>(const QString& text)> read;
+    /// What a tool tip says of the value beside; may be missing, and may have nothing to say.
+    std::function<QString(double value)> describe = {};
 };
 
 /// The value itself, in `unit`, which may be left out.

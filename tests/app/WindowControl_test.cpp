@@ -291,6 +291,38 @@ TEST_F(WindowControlTest, ASettingsFileIsTakenAsItIsWrittenExactlyAndClampedByTh
     EXPECT_FALSE(undo.isEnabled());
 }
 
+TEST_F(WindowControlTest, VolumesAreTypedInTheOutputsUnitAndFrequenciesMadeClean) {
+    writePreferences("CALIBRATION_outputUnit_loopback=1\nCALIBRATION_outputFullScale_loopback=2\n");
+    launch();
+    click("enabled0");
+    click("enabled1");
+    control_->HalfSecTimer();
+    const auto typed = [](const QWidget& window, const char* name, const char* text) {
+        auto& slider = findControl<RealSlider>(window, name);
+        Q_EMIT slider.typingAsked();
+        auto* field = slider.parentWidget()->findChildren<QLineEdit*>().last();
+        field->setText(text);
+        QTest::keyClick(field, Qt::Key_Return);
+        return slider.doubleValue();
+    };
+    EXPECT_NEAR(typed(*window_, "volumeLeft0", "0.5 V"), 0.5, 1e-6) << "of two";
+    EXPECT_NEAR(typed(*window_, "volumeRight1", "-10 dBV"), 0.316228, 1e-6);
+    EXPECT_NEAR(typed(*window_, "volumeLeft2", "0.5 V"), 0.75, 1e-6) << "the third, once it is on";
+    EXPECT_EQ(typed(*window_, "volumeLeft0", "1.5 V"), 1) << "as much as there is";
+    EXPECT_EQ(typed(*window_, "volumeLeft0", "94 dB SPL"), 1) << "not a voltage";
+    QFocusEvent focus(QEvent::FocusIn);
+    auto& slider = find<RealSlider>("volumeLeft0");
+    QApplication::sendEvent(&slider, &focus);
+    EXPECT_TRUE(slider.toolTip().startsWith("1.000 V as a sine, which is 1 of 2 that are on\n"));
+
+    auto& field = find<QLineEdit>("frequency0");
+    field.actions().front()->trigger();
+    EXPECT_EQ(field.text(), "1001.07");
+    field.actions().back()->trigger();
+    EXPECT_EQ(field.text(), "2756.25");
+    EXPECT_NEAR(typed(open("Sweep"), "amplitudeLeft", "0.5 V"), 0.75, 1e-6);
+}
+
 TEST_F(WindowControlTest, FilePanelsBeginInTheFolderThatWasLastForTheKindOfFile) {
     const std::filesystem::path music = path("music").toStdString(), odd = path(" odd=%41# ").toStdString();
     std::filesystem::create_directories(music);

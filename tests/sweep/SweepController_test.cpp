@@ -1,5 +1,6 @@
 #include "sweep/SweepController.h"
 
+#include "generator/OutputLevels.h"
 #include "support/ToolWindow.h"
 
 #include <gtest/gtest.h>
@@ -10,12 +11,13 @@ namespace {
 class SweepWindowTest : public WindowTest {
 protected:
     void launch() {
-        controller_ = std::make_unique<SweepController>(bench_.sweep, preferences_);
+        controller_ = std::make_unique<SweepController>(bench_.sweep, levels_, preferences_);
         controller_->awakeFromNib();
         window_ = &controller_->window();
     }
 
     RenderBench bench_;
+    OutputLevels levels_{bench_.bank, bench_.sweep};
     std::unique_ptr<SweepController> controller_;
 };
 
