@@ -79,6 +79,8 @@ MainMenu buildMainMenu(QMenuBar& bar) {
         addItem(tools, "restoreInputVolumes", "Restore &Input Volumes at Quit", QKeySequence(),
                 "At the end, give the inputs the volumes back that they had before Sonotrace set them");
     menu.restoreInputVolumes->setCheckable(true);
+    menu.calibrate = addItem(tools, "calibrate", "Cali&bration…", QKeySequence(),
+                             "Say what full scale is, in volts or pascals, and correct microphones");
     menu.arrangeWindows = addItem(tools, "arrangeWindows", "A&rrange Windows", QKeySequence(),
                                   "Lay the open windows side by side on this window's screen");
 

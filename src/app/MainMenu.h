@@ -25,6 +25,7 @@ struct MainMenu {
     QAction* allOff;
     QAction* refreshDevices;
     QAction* restoreInputVolumes; ///< can be ticked
+    QAction* calibrate;
     QAction* arrangeWindows;
     QAction* showHelp;
     QAction* about;

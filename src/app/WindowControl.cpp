@@ -1,6 +1,7 @@
 #include "app/WindowControl.h"
 
 #include "app/About.h"
+#include "app/CalibrationDialog.h"
 #include "app/FirstRunDefaults.h"
 #include "app/GeneratorWindow.h"
 #include "app/QuitQuestion.h"
@@ -109,6 +110,7 @@ void WindowControl::connectMenu() {
     on(menu_.undoOpenSettings, &WindowControl::undoOpenSettings);
     on(menu_.allOff, &WindowControl::allOff);
     on(menu_.refreshDevices, &WindowControl::refreshDevices);
+    on(menu_.calibrate, &WindowControl::calibrate);
     on(menu_.arrangeWindows, &WindowControl::arrangeOpenWindows);
     connect(menu_.restoreInputVolumes, &QAction::triggered, this,
             [this](bool restore) { preferences_.setInteger(kRestoreKey, restore ? 1 : 0); });
@@ -157,6 +159,16 @@ void WindowControl::refreshDevices() {
         status_->showNotice(trouble);
     for (ToolController* tool : tools_)
         tool->refreshDevices();
+    if (calibrationDialog_)
+        calibrationDialog_->showDevices(devices_);
+}
+
+void WindowControl::calibrate() {
+    if (!calibrationDialog_) {
+        calibrationDialog_ = new CalibrationDialog(calibrations_, preferences_, window_.get());
+        calibrationDialog_->showDevices(devices_);
+    }
+    bringToFront(*calibrationDialog_);
 }
 
 void WindowControl::calibrateOutput(const std::string& uid) {

@@ -28,6 +28,7 @@ class QMainWindow;
 
 namespace sonotrace {
 
+class CalibrationDialog;
 class GeneratorPanel;
 class ScopeController;
 class SpectrumController;
@@ -80,6 +81,7 @@ public Q_SLOTS:
     void syncPhases();
     void allOff();
     void refreshDevices();
+    void calibrate();
     void arrangeOpenWindows();
     void undoOpenSettings();
     void quit();
@@ -124,6 +126,7 @@ private:
     GeneratorPanel* panel_ = nullptr;
     QComboBox* outputPopup_ = nullptr;
     StatusLine* status_ = nullptr;
+    CalibrationDialog* calibrationDialog_ = nullptr; ///< made when it is wanted
     QTimer ourTimer_;
     QString recordingPath_;
     QByteArray settingsBefore_; ///< the last file was opened

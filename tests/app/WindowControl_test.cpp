@@ -291,6 +291,32 @@ TEST_F(WindowControlTest, ASettingsFileIsTakenAsItIsWrittenExactlyAndClampedByTh
     EXPECT_FALSE(undo.isEnabled());
 }
 
+TEST_F(WindowControlTest, CalibrationsAreEnteredAndKeptAtOnce) {
+    launch();
+    find<QAction>("calibrate").trigger();
+    auto& dialog = find<QDialog>("CalibrationDialog");
+    expectUsableWindow(dialog);
+    choose("outputUnit0", 1);
+    EXPECT_TRUE(find<QLineEdit>("outputFullScale0").toolTip().startsWith("Not calibrated: full scale must"));
+    type("outputReading0", "-20");
+    type("outputKnown0", "0.2");
+    click("outputCompute0");
+    EXPECT_EQ(find<QLineEdit>("outputFullScale0").text(), "2");
+    choose("outputUnit0", 2);
+    EXPECT_EQ(find<QLineEdit>("outputFullScale0").text(), "6.0206");
+    answerFilePanel(Preferences::defaultPath());
+    click("chooseCorrection0");
+    EXPECT_EQ(text("correction0"), "Sonotrace.conf is not used: no line holds a frequency and a level");
+    click("clearCorrection0");
+    EXPECT_EQ(text("correction0"), "no correction");
+    choose("inputUnit1", 5);
+    find<QLineEdit>("inputFullScale1").setFocus();
+    type("inputFullScale1", "120");
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(Preferences().doubleValue("CALIBRATION_inputFullScale_uid-Line"), 120) << "typed last";
+}
+
 TEST_F(WindowControlTest, VolumesAreTypedInTheOutputsUnitAndFrequenciesMadeClean) {
     writePreferences("CALIBRATION_outputUnit_loopback=1\nCALIBRATION_outputFullScale_loopback=2\n");
     launch();
