@@ -133,9 +133,9 @@ void GeneratorPanel::buildRow(int slot, const GeneratorSettings& settings) {
     controls.frequency->setText(fixedPoint(settings.frequency));
     introduceInRow(
         *controls.frequency, "frequency", slot, kFrequencyTag + slot, "frequency",
-        "Frequency in Hz, 0.1 to 22000.\nA sine is cleanest at multiples of 4.41 Hz: what else is in "
-        "it lies about 104 dB below it there, about 80 dB elsewhere.\nCtrl+N goes to the nearest, "
-        "Ctrl+Shift+N to the nearest that fits the analyzer's block.");
+        "Frequency in Hz, 0.1 to 22000.\nA sine of full volume is clean to 104 dB below it at multiples of "
+        "4.41 Hz, to about 80 dB elsewhere.\nCtrl+N goes to the nearest multiple, Ctrl+Shift+N to the "
+        "nearest that fits the spectrum analyzer's block.");
     addFrequencyActions(*controls.frequency);
 
     controls.phase = new NumberField(this);

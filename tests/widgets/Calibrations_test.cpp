@@ -64,7 +64,7 @@ protected:
 };
 
 TEST_F(CalibrationsTest, AreKeptForAnyDeviceAndFile) {
-    const std::string uids[] = {"a", "b=c\n[x]\0 ", "ä \xFF", std::string("a\0", 2), "a%00"};
+    const std::string uids[] = {"a", "b=c\n[x] ", "ä \xFF", std::string("a\0", 2), "a%00"};
     double value = 1;
     for (const std::string& uid : uids) {
         calibrations_.setCalibration(Side::Input, uid, {V, value});
