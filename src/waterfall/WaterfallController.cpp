@@ -272,10 +272,11 @@ void WaterfallController::updateBargraph() {
 }
 
 void WaterfallController::addHints(Hints& hints) const {
-    if (pause_.isValid())
-        hints.push_back({Hint::Urgency::Progress,
-                         QString("Paused for %1: Ctrl+Space goes on")
-                             .arg(waitingTime(std::floor(static_cast<double>(pause_.elapsed()) / 1000.0)))});
+    if (pause_.isValid()) // before what else is wrong with a sound that is not drawn
+        hints.insert(hints.begin(),
+                     {Hint::Urgency::Warning,
+                      QString("Paused for %1: Ctrl+Space goes on")
+                          .arg(waitingTime(std::floor(static_cast<double>(pause_.elapsed()) / 1000.0)))});
     const double slowSamples = parameters_.slowSamples();
     if (slowSamples > 0.0)
         hints.push_back(

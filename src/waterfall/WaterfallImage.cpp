@@ -110,11 +110,18 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
 /// Notes what a column is, and where the columns begin that it can be compared with.
 void WaterfallImage::number(ColumnNumber column, const ColumnLevels& levels) {
     constexpr auto kRelaxed = std::memory_order_relaxed;
-    const bool isFirst = samplesPerColumn() == 0.0;
-    if (std::exchange(lastScale_, scale_) != scale_ && !isFirst)
-        scaleBegin_.store(column, kRelaxed);
-    if (std::exchange(hasGap_, false) && !isFirst)
-        timeBegin_.store(column, kRelaxed);
+    const Scale last = std::exchange(lastScale_, scale_);
+    const bool hadGap = std::exchange(hasGap_, false);
+    if (samplesPerColumn() > 0.0) { // not the first: there is something left of it
+        const auto beginUnless = [column](bool isSame, std::atomic<ColumnNumber>& begin) {
+            if (!isSame)
+                begin.store(column, kRelaxed);
+        };
+        beginUnless(scale_ == last, scaleBegin_);
+        beginUnless(scale_.hasRowsOf(last), rowsBegin_);
+        beginUnless(scale_.hasRateOf(last), rateBegin_);
+        beginUnless(!hadGap, gapEnd_);
+    }
     samplesPerColumn_.store(scale_.source.samples, kRelaxed);
     KeptLevels& kept = levels_[slot(column)];
     kept.column.store(kNone, kRelaxed); // a reader in between finds nothing rather than a mixture

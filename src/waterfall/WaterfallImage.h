@@ -81,11 +81,12 @@ public:
     /// Samples from a column to the next as of the newest; 0 before there is one.
     double samplesPerColumn() const { return samplesPerColumn_.load(std::memory_order_relaxed); }
 
-    /// The first column that has the newest one's frequencies and times; those left of it had others.
+    /// The first columns since which the picture is painted as it is now: at all, in the frequencies of its
+    /// rows, in the times of its columns; and since which no sound is missing.
     ColumnNumber scaleBegin() const { return scaleBegin_.load(std::memory_order_relaxed); }
-
-    /// The first column since which no sound is missing.
-    ColumnNumber timeBegin() const { return timeBegin_.load(std::memory_order_relaxed); }
+    ColumnNumber rowsBegin() const { return rowsBegin_.load(std::memory_order_relaxed); }
+    ColumnNumber rateBegin() const { return rateBegin_.load(std::memory_order_relaxed); }
+    ColumnNumber gapEnd() const { return gapEnd_.load(std::memory_order_relaxed); }
 
     /// Nothing for a column that was never painted or has left the picture.
     std::optional<ColumnLevels> levels(ColumnNumber column) const;
@@ -109,6 +110,13 @@ private:
         RowBins::Scale rows;
         float width = 0;
         bool operator==(const Scale&) const = default;
+        bool hasRowsOf(const Scale& other) const {
+            return rows.startFreq == other.rows.startFreq && rows.endFreq == other.rows.endFreq &&
+                   rows.height == other.rows.height;
+        }
+        bool hasRateOf(const Scale& other) const {
+            return source.samples == other.source.samples && width == other.width;
+        }
     };
     struct KeptLevels {
         std::atomic<ColumnNumber> column{kNone};
@@ -131,7 +139,9 @@ private:
     bool hasGap_ = false;
     std::atomic<ColumnNumber> scrolled_{0};
     std::atomic<ColumnNumber> scaleBegin_{kNone};
-    std::atomic<ColumnNumber> timeBegin_{kNone};
+    std::atomic<ColumnNumber> rowsBegin_{kNone};
+    std::atomic<ColumnNumber> rateBegin_{kNone};
+    std::atomic<ColumnNumber> gapEnd_{kNone};
     std::atomic<double> samplesPerColumn_{0};
     std::array<KeptLevels, ScrollingBitmap::kWidth> levels_;
     ScrollingBitmap offscreen_;

@@ -32,10 +32,10 @@ double WaterfallReadout::frequency(double y) const {
     return frequencyAxis().valueAt(y / static_cast<double>(bounds_.height));
 }
 
-ColumnAge WaterfallReadout::age(double column) const {
-    if (column < static_cast<double>(image_.scaleBegin()))
-        return ColumnAge::OtherScale;
-    return column < static_cast<double>(image_.timeBegin()) ? ColumnAge::BeforeGap : ColumnAge::Current;
+TimeScale WaterfallReadout::times(double column) const {
+    if (column < static_cast<double>(image_.rateBegin()))
+        return TimeScale::Other;
+    return column < static_cast<double>(image_.gapEnd()) ? TimeScale::BeforeGap : TimeScale::Current;
 }
 
 PictureReference WaterfallReadout::reference(const PicturePoint& point) const {
@@ -46,17 +46,18 @@ WaterfallReading WaterfallReadout::read(const PicturePoint& point,
                                         const std::optional<PictureReference>& reference) const {
     const double column = std::floor(point.x) + static_cast<double>(scrolled_);
     WaterfallReading reading;
-    reading.age = age(column);
-    if (reading.age != ColumnAge::OtherScale && std::isfinite(frequency(point.y)))
+    reading.hasOtherRows = column < static_cast<double>(image_.rowsBegin());
+    reading.times = times(column);
+    if (!reading.hasOtherRows && std::isfinite(frequency(point.y)))
         reading.frequencyHz = frequency(point.y);
-    const bool hasTimes = reading.age == ColumnAge::Current && image_.samplesPerColumn() > 0.0;
+    const bool hasTimes = reading.times == TimeScale::Current && image_.samplesPerColumn() > 0.0;
     if (hasTimes)
         reading.secondsAgo = secondsAgo(column + 1);
     if (reference) {
         // Frequencies stay what they are; times have to be of one scale.
         if (reading.frequencyHz)
             reading.hertzFromReference = *reading.frequencyHz - reference->frequencyHz;
-        if (hasTimes && age(std::floor(reference->column)) == ColumnAge::Current)
+        if (hasTimes && times(std::floor(reference->column)) == TimeScale::Current)
             reading.secondsFromReference =
                 secondsAgo(reference->column) - secondsAgo(point.x + static_cast<double>(scrolled_));
     }

@@ -19,18 +19,19 @@ struct PictureReference {
     double frequencyHz = 0;
 };
 
-/// Whether a column can be read with the axes of today.
-enum class ColumnAge {
+/// Whether the times of a column can be read with the axis of today.
+enum class TimeScale {
     Current,
-    BeforeGap, ///< sound is missing since: its frequencies hold, its times do not
-    OtherScale ///< its frequencies and times were others
+    BeforeGap, ///< sound is missing since
+    Other      ///< columns had another distance
 };
 
 /// What is to be read at a point; nothing where it is not defined.
 struct WaterfallReading {
     enum class Bound { None, AtMost, AtLeast };
 
-    ColumnAge age = ColumnAge::Current;
+    bool hasOtherRows = false; ///< the frequencies of the column's rows were others
+    TimeScale times = TimeScale::Current;
     std::optional<double> frequencyHz;
     std::optional<double> secondsAgo; ///< before the newest column
     std::optional<double> levelDb;    ///< on the display's own scale
@@ -68,7 +69,7 @@ public:
 
 private:
     double frequency(double y) const;
-    ColumnAge age(double column) const;
+    TimeScale times(double column) const;
     void readLevel(const PicturePoint& point, WaterfallReading& reading) const;
 
     const WaterfallParameters& parameters_;

@@ -119,8 +119,8 @@ void WaterfallRulers::showAxes(const WaterfallReadout& readout) {
             {readout.secondsAgo(static_cast<double>(column)) * unit.perSecond, text, kBreakColour});
     };
     mark(image_.scaleBegin(), "‹ other scale");
-    if (image_.timeBegin() > image_.scaleBegin())
-        mark(image_.timeBegin(), "‹ gap");
+    if (image_.gapEnd() > image_.scaleBegin())
+        mark(image_.gapEnd(), "‹ gap");
     std::vector<RulerMark> frequencies;
     if (reference_) {
         times.push_back(
@@ -140,19 +140,18 @@ void WaterfallRulers::showAxes(const WaterfallReadout& readout) {
 void WaterfallRulers::showReadings(const WaterfallReadout& readout) {
     const auto probe = around_.view.probe();
     const WaterfallReading reading = probe ? readout.read(*probe, reference_) : WaterfallReading();
-    const bool isOtherScale = reading.age == ColumnAge::OtherScale;
     const auto hertz = [&](const std::optional<double>& value) {
-        return value ? number(*value, 8, 1) + " Hz" : isOtherScale ? QString("other scale") : kNone;
+        return value ? number(*value, 8, 1) + " Hz" : reading.hasOtherRows ? QString("other scale") : kNone;
     };
-    const QString noTime = isOtherScale                          ? "other scale"
-                           : reading.age == ColumnAge::BeforeGap ? "before a gap"
-                                                                 : kNone;
+    const QString noTime = reading.times == TimeScale::Other       ? "other scale"
+                           : reading.times == TimeScale::BeforeGap ? "before a gap"
+                                                                   : kNone;
     const bool lacksReference = probe && !reference_;
     const QString noDifference = lacksReference ? kNone : noTime;
     around_.readings.show(
         {{"Frequency", hertz(reading.frequencyHz),
-          "Frequency under the mouse or the cross-hair. A column that was painted with other frequencies, "
-          "another FFT size, window, channel or height of the picture is of another scale"},
+          "Frequency under the mouse or the cross-hair. Not told for a column that was painted with other "
+          "limits, or at another height of the picture"},
          {"Time ago", timeText(reading.secondsAgo, noTime),
           "How long before the newest column. Not told where the picture stood still since, or sound was "
           "dropped, or columns came at another rate"},

@@ -219,18 +219,23 @@ TEST(WaterfallReadout, KnowsWhatIsOfAnotherScaleOrOlderThanAGap) {
     const struct {
         const char* what;
         void (*change)(Waterfall&);
-        ColumnAge before;
+        bool isOther, hasOtherRows;
+        TimeScale times;
     } cases[] = {
-        {"nothing", [](Waterfall&) {}, ColumnAge::Current},
-        {"limits", [](Waterfall& w) { w.setLimits(0.0F, 20.0F); }, ColumnAge::Current},
-        {"top", [](Waterfall& w) { w.setFrequencies(0.0, 20000.0); }, ColumnAge::OtherScale},
-        {"window", [](Waterfall& w) { w.parameters.waterfallWindowType = 2; }, ColumnAge::OtherScale},
-        {"size", [](Waterfall& w) { w.parameters.fftSizeLog2 = 9; }, ColumnAge::OtherScale},
-        {"speed-up", [](Waterfall& w) { w.parameters.waterfallSpeedup = 2; }, ColumnAge::OtherScale},
-        {"height", [](Waterfall& w) { w.image.setBounds(800.0, 900.0); }, ColumnAge::OtherScale},
-        {"channel", [](Waterfall& w) { w.parameters.channel = ChannelFold::Left; }, ColumnAge::OtherScale},
-        {"slow", [](Waterfall& w) { w.parameters.slowSeconds = 0.1; }, ColumnAge::OtherScale},
-        {"gap", [](Waterfall& w) { w.analysis.interrupt(), w.analysis.resume(); }, ColumnAge::BeforeGap},
+        {"nothing", [](Waterfall&) {}, false, false, TimeScale::Current},
+        {"limits", [](Waterfall& w) { w.setLimits(0.0F, 20.0F); }, false, false, TimeScale::Current},
+        {"top", [](Waterfall& w) { w.setFrequencies(0.0, 20000.0); }, true, true, TimeScale::Current},
+        {"height", [](Waterfall& w) { w.image.setBounds(800.0, 900.0); }, true, true, TimeScale::Current},
+        {"width", [](Waterfall& w) { w.image.setBounds(900.0, 1000.0); }, true, false, TimeScale::Other},
+        {"window", [](Waterfall& w) { w.parameters.waterfallWindowType = 2; }, true, false,
+         TimeScale::Current},
+        {"channel", [](Waterfall& w) { w.parameters.channel = ChannelFold::Left; }, true, false,
+         TimeScale::Current},
+        {"size", [](Waterfall& w) { w.parameters.fftSizeLog2 = 9; }, true, false, TimeScale::Other},
+        {"speed-up", [](Waterfall& w) { w.parameters.waterfallSpeedup = 2; }, true, false, TimeScale::Other},
+        {"slow", [](Waterfall& w) { w.parameters.slowSeconds = 0.1; }, true, false, TimeScale::Other},
+        {"gap", [](Waterfall& w) { w.analysis.interrupt(), w.analysis.resume(); }, false, false,
+         TimeScale::BeforeGap},
     };
     for (const auto& tried : cases) {
         SCOPED_TRACE(tried.what);
@@ -240,12 +245,16 @@ TEST(WaterfallReadout, KnowsWhatIsOfAnotherScaleOrOlderThanAGap) {
         tried.change(waterfall);
         hearTone(waterfall);
         const auto at = static_cast<double>(newest - waterfall.image.scrolled());
+        EXPECT_EQ(waterfall.image.scaleBegin() > newest, tried.isOther);
         const WaterfallReading old = readAt(waterfall, at, 402.5);
-        EXPECT_EQ(old.age, tried.before);
-        EXPECT_EQ(old.frequencyHz.has_value(), tried.before != ColumnAge::OtherScale);
-        EXPECT_EQ(old.secondsAgo.has_value(), tried.before == ColumnAge::Current);
-        EXPECT_EQ(readAt(waterfall, at + 2, 402.5).age, ColumnAge::Current);
-        EXPECT_EQ(readAt(waterfall, 799, 402.5).age, ColumnAge::Current);
+        EXPECT_EQ(old.frequencyHz.has_value(), !tried.hasOtherRows);
+        EXPECT_EQ(old.times, tried.times);
+        EXPECT_EQ(old.secondsAgo.has_value(), tried.times == TimeScale::Current);
+        const double right = static_cast<double>(waterfall.image.bounds().width) - 1;
+        for (const double x : {at + (right > 799 ? 102 : 2), right}) {
+            EXPECT_TRUE(readAt(waterfall, x, 402.5).frequencyHz);
+            EXPECT_TRUE(readAt(waterfall, x, 402.5).secondsAgo);
+        }
     }
 }
 
