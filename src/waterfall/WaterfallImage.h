@@ -146,7 +146,8 @@ private:
     std::array<KeptLevels, ScrollingBitmap::kWidth> levels_;
     ScrollingBitmap offscreen_;
     std::atomic<std::uint64_t> bounds_{0}; ///< both sizes' bits in one value, so that they change together
-    static_assert(std::atomic<std::uint64_t>::is_always_lock_free);
+    static_assert(std::atomic<std::uint64_t>::is_always_lock_free &&
+                  std::atomic<ColumnNumber>::is_always_lock_free);
 };
 
 } // namespace sonotrace

@@ -55,7 +55,7 @@ QString timeText(const std::optional<double>& seconds, const QString& otherwise)
 QString levelText(const WaterfallReading& reading) {
     if (!reading.levelDb)
         return kNone;
-    const QString text = number(*reading.levelDb, 6, 1) + " dB";
+    QString text = number(*reading.levelDb, 6, 1) + " dB";
     switch (reading.levelBound) {
     case WaterfallReading::Bound::AtMost:
         return "≤ " + text;

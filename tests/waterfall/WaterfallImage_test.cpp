@@ -162,6 +162,8 @@ TEST(WaterfallMeasurement, TellsTheFrequencyAndTheTimeSinceTheRightClick) {
     parameters.waterfallFftLen = 1024.0; // 3 * 44100 / 1024 = 129.19921875 columns a second
     parameters.waterfallSpeedup = 3;
     EXPECT_EQ(measurement.setMouseHz(-0.9F, -100.0F), "0 Hz  -773.998 mSec");
+    parameters.slowSeconds = 2.0;
+    EXPECT_EQ(measurement.setMouseHz(5.0F, 30.0F), "5 Hz  60000 mSec");
     parameters.waterfallSpeedup = 0;
     EXPECT_EQ(measurement.setMouseHz(5.0F, 0.0F), "5 Hz  0 columns (no time while paused)");
     const WaterfallClick early = measurement.mouseDown(10.0, 20.0, 0.0); // before there is a picture
