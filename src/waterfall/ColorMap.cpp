@@ -43,4 +43,13 @@ void ColorMap::initColorTable() {
     }
 }
 
+std::optional<std::int32_t> ColorMap::stepOf(std::uint32_t pixel) const {
+    for (const auto* map : {&greys_, &colors_}) {
+        const auto* const entry = std::ranges::find(*map, pixel);
+        if (entry != map->end())
+            return static_cast<std::int32_t>(entry - map->begin());
+    }
+    return std::nullopt;
+}
+
 } // namespace sonotrace

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
 namespace sonotrace {
 
@@ -27,6 +28,9 @@ public:
 
     /// The same in grey, where the step is the brightness.
     const std::array<std::uint32_t, 256>& greys() const { return greys_; }
+
+    /// The step that a pixel of either map shows; none where nothing has been painted.
+    std::optional<std::int32_t> stepOf(std::uint32_t pixel) const;
 
     std::array<std::int32_t, 256> redTable{};
     std::array<std::int32_t, 256> greenTable{};

@@ -20,9 +20,12 @@ public:
     /// The smallest magnitude the scale tells from silence; not a number counts as silence.
     static double audible(double magnitude) { return magnitude > 1.0 ? magnitude : 1.0; }
 
+    /// A magnitude on the display's own scale, 0 and above.
+    static double decibels(double magnitude) { return std::log(audible(magnitude)) * 6.25; }
+
     /// 0 to 100, or not a number.
     double level(double magnitude) const {
-        const double level = (std::log(audible(magnitude)) * 6.25 - floor_) * 100.0 / range_;
+        const double level = (decibels(magnitude) - floor_) * 100.0 / range_;
         if (level < 0.0)
             return 0.0;
         return level > 100.0 ? 100.0 : level;
@@ -32,6 +35,9 @@ public:
     std::int32_t step(double magnitude) const {
         return std::clamp(truncateToInt32(level(magnitude) * 2.55), 0, 255);
     }
+
+    /// The middle of the decibels that share a step.
+    double decibelsOf(std::int32_t step) const { return floor_ + (step + 0.5) / 2.55 * range_ / 100.0; }
 
 private:
     double floor_;

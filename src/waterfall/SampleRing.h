@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ChannelFold.h"
 #include "base/ZeroedArray.h"
 
 #include <cstdint>
@@ -13,8 +14,8 @@ class SampleRing {
 public:
     static constexpr std::int32_t kSamples = 500000;
 
-    /// Appends a sample a frame, left + right with wrap-around, from interleaved stereo.
-    void fold(std::span<const std::int16_t> interleaved);
+    /// Appends a sample a frame, what the channels are made into, from interleaved stereo.
+    void fold(std::span<const std::int16_t> interleaved, ChannelFold channel);
 
     /// Samples that wait to be read, 0 to 499999.
     std::int32_t available() const;

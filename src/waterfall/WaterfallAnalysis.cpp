@@ -26,8 +26,11 @@ WaterfallAnalysis::WaterfallAnalysis(WaterfallParameters& parameters, WaterfallI
 bool WaterfallAnalysis::capture(std::span<const std::int16_t> interleaved) {
     drewLines_ = false;
     const std::int32_t interruptions = interruptions_.load(std::memory_order_relaxed);
-    if (std::exchange(knownInterruptions_, interruptions) != interruptions && pass_.isUnderWay())
-        abandonPass();
+    if (std::exchange(knownInterruptions_, interruptions) != interruptions) {
+        image_.markGap();
+        if (pass_.isUnderWay())
+            abandonPass();
+    }
     while (!interleaved.empty() && !interrupted()) {
         const std::size_t step = std::min(interleaved.size(), kStepSamples);
         take(interleaved.first(step));
@@ -41,7 +44,8 @@ void WaterfallAnalysis::take(std::span<const std::int16_t> interleaved) {
     const auto samples = static_cast<std::int32_t>(interleaved.size() / 2);
     const auto isBehind = [this, samples] { return ring_.room() <= samples; };
     const bool unwanted =
-        pass_.isUnderWay() && pass_.speedup != parameters_.waterfallSpeedup.load(std::memory_order_relaxed);
+        pass_.isUnderWay() &&
+        (pass_.speedup != parameters_.waterfallSpeedup.load(std::memory_order_relaxed) || isHeld());
     if (isBehind() && unwanted) {
         drop(ring_.available());
         abandonPass();
@@ -49,11 +53,12 @@ void WaterfallAnalysis::take(std::span<const std::int16_t> interleaved) {
     if (isBehind())
         drop(samples);
     else
-        ring_.fold(interleaved);
+        ring_.fold(interleaved, parameters_.channel.load(std::memory_order_relaxed));
 }
 
 void WaterfallAnalysis::drop(std::int32_t samples) {
     droppedSamples_.store(droppedSamples() + samples, std::memory_order_relaxed);
+    image_.markGap();
 }
 
 void WaterfallAnalysis::produceAllLines() {
@@ -65,6 +70,7 @@ void WaterfallAnalysis::produceAllLines() {
         }
         if (paused()) {
             ring_.dropWaiting();
+            image_.markGap();
             return;
         }
         const std::int32_t length = parameters_.frameLength();
@@ -74,7 +80,13 @@ void WaterfallAnalysis::produceAllLines() {
     }
 }
 
+bool WaterfallAnalysis::isHeld() const {
+    return parameters_.paused.load(std::memory_order_relaxed) != 0;
+}
+
 bool WaterfallAnalysis::paused() {
+    if (isHeld())
+        return true;
     const std::int32_t speedup = parameters_.waterfallSpeedup.load(std::memory_order_relaxed);
     if (speedup <= 0)
         return true;
@@ -88,35 +100,69 @@ void WaterfallAnalysis::ProduceWaterfallLines(std::int32_t length) {
     if (speedup <= 0 || speedup > length)
         return; // changed just now
     frames_.updateCoefficients(length);
+    const bool isSlow = parameters_.slowSamples() > 0.0;
     if (speedup > 1) {
         const double samples = length;
         pass_ = {.length = length,
                  .speedup = speedup,
                  .hop = truncateToInt32(samples / speedup),
-                 .keep = truncateToInt32(samples - samples / speedup)};
+                 .keep = truncateToInt32(samples - samples / speedup),
+                 .isSlow = isSlow};
         continuePass();
         return;
     }
     frames_.takeFrame(length);
-    draw(frames_.produceLine(), 1, 1);
+    const std::int32_t drawnLength = frames_.produceLine();
+    if (isSlow)
+        gather(drawnLength, length);
+    else
+        draw(drawnLength, length, 1, 1);
 }
 
 void WaterfallAnalysis::continuePass() {
     for (; pass_.isUnderWay() && !hasToStop(); ++pass_.next) {
         frames_.slideFrame(pass_.length, pass_.hop, pass_.keep);
         const std::int32_t drawnLength = frames_.produceSlidLine(); // a new length shows at once
-        draw(drawnLength, pass_.speedup - pass_.next, pass_.next == 0 ? pass_.speedup : 0);
+        if (pass_.isSlow)
+            gather(drawnLength, pass_.hop);
+        else
+            draw(drawnLength, pass_.hop, pass_.speedup - pass_.next, pass_.next == 0 ? pass_.speedup : 0);
     }
 }
 
-void WaterfallAnalysis::draw(std::int32_t length, std::int32_t offset, std::int32_t scroll) {
+/// A line of the frame at hand, as a column of its own.
+void WaterfallAnalysis::draw(std::int32_t length, std::int32_t samples, std::int32_t offset,
+                             std::int32_t scroll) {
+    slowColumn_.clear();
+    image_.setSource(source(samples));
     image_.drawFFTLine(frames_.magnitudes(length), length, offset, scroll);
     drewLines_ = true;
+}
+
+/// The same as a part of a slow column.
+void WaterfallAnalysis::gather(std::int32_t length, std::int32_t samples) {
+    const double wanted = parameters_.slowSamples();
+    const LineMerge merge = parameters_.lineMerge.load(std::memory_order_relaxed);
+    if (!slowColumn_.add(frames_.magnitudes(length), samples, wanted, merge))
+        return;
+    ColumnSource slow = source(std::max<double>(samples, wanted));
+    slow.merge = static_cast<std::int32_t>(merge);
+    image_.setSource(slow);
+    image_.drawFFTLine(slowColumn_.magnitudes(), length, 1, 1);
+    drewLines_ = true;
+}
+
+ColumnSource WaterfallAnalysis::source(double samples) const {
+    return {.samples = samples,
+            .window = parameters_.waterfallWindowType.load(std::memory_order_relaxed),
+            .channel = parameters_.channel.load(std::memory_order_relaxed),
+            .merge = -1};
 }
 
 void WaterfallAnalysis::abandonPass() {
     pass_ = {};
     ring_.dropWaiting();
+    image_.markGap();
 }
 
 } // namespace sonotrace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "waterfall/SampleRing.h"
+#include "waterfall/SlowColumn.h"
 #include "waterfall/WaterfallFrames.h"
 #include "waterfall/WaterfallImage.h"
 #include "waterfall/WaterfallParameters.h"
@@ -24,6 +25,11 @@ namespace sonotrace {
 /// picture: what is captured meanwhile is dropped, so that a sane value goes on with what is heard then.
 /// Drawing on from no new samples would paint the same line for ever, and choosing another factor than the
 /// one in the field would make its time axis wrong.
+///
+/// The pause button does the same, and leaves the speed-up as it is.
+///
+/// A slow column is made of all lines of its time, as the speed-up makes them, and is painted as a single
+/// line is.
 ///
 /// The longest transform with the largest speed-up makes minutes of work from three seconds of samples. A
 /// pass therefore goes on over as many buffers as it needs, for as long with each as leaves the stream alive,
@@ -61,6 +67,7 @@ private:
         std::int32_t speedup = 0;
         std::int32_t hop = 0;
         std::int32_t keep = 0;
+        bool isSlow = false;   ///< its lines are gathered, not drawn
         std::int32_t next = 0; ///< line
 
         bool isUnderWay() const { return next < speedup; }
@@ -68,6 +75,7 @@ private:
 
     bool interrupted() const { return interrupted_.load(std::memory_order_relaxed) != 0; }
     bool hasToStop() const { return interrupted() || clock_() >= deadline_; }
+    bool isHeld() const;
     bool paused();
     void take(std::span<const std::int16_t> interleaved);
     void drop(std::int32_t samples);
@@ -77,7 +85,9 @@ private:
     void ProduceWaterfallLines(std::int32_t length);
     void continuePass();
     void abandonPass(); ///< and goes on with fresh samples
-    void draw(std::int32_t length, std::int32_t offset, std::int32_t scroll);
+    void draw(std::int32_t length, std::int32_t samples, std::int32_t offset, std::int32_t scroll);
+    void gather(std::int32_t length, std::int32_t samples);
+    ColumnSource source(double samples) const;
 
     WaterfallParameters& parameters_;
     WaterfallImage& image_;
@@ -85,6 +95,7 @@ private:
     SampleRing ring_;
     WaterfallFrames frames_;
     Pass pass_;
+    SlowColumn slowColumn_;
     std::chrono::steady_clock::time_point deadline_; ///< of the lines for this buffer
     bool drewLines_ = false;
     std::atomic<std::int64_t> droppedSamples_{0};

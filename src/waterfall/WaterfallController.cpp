@@ -7,13 +7,18 @@
 #include "ui_WaterfallWindow.h"
 #include "waterfall/WaterfallFindings.h"
 #include "widgets/FilePanels.h"
+#include "widgets/InputHints.h"
 #include "widgets/NumberField.h"
 #include "widgets/Preferences.h"
 #include "widgets/TypedValue.h"
 
 #include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QShortcut>
 
 #include <algorithm>
+#include <cmath>
 #include <thread>
 #include <utility>
 
@@ -30,6 +35,18 @@ constexpr double kFirstMaxDb = 75.0;
 constexpr double kFirstMinDb = 25.0;
 constexpr int kLeastStoredLog2 = 7;
 constexpr int kMenuSizes = 12;
+constexpr int kRulerInterval = 250; // ms
+constexpr auto kTimeName = "yyyy-MM-dd-HH.mm.ss";
+constexpr FileKind kFullPictures{"WATERFALL_pictureFolder", QStandardPaths::PicturesLocation, "", ""};
+
+/// A new name in a folder, from the clock.
+QString newPicturePath(const QDir& folder) {
+    const QString stem = QDateTime::currentDateTime().toString(kTimeName);
+    QString path = folder.filePath(stem + ".png");
+    for (int count = 2; QFileInfo::exists(path); ++count)
+        path = folder.filePath(QString("%1-%2.png").arg(stem).arg(count));
+    return path;
+}
 
 } // namespace
 
@@ -42,8 +59,8 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
       analysis_(parameters_, *image_, log_),
       measurement_(parameters_) {
     ui_->setupUi(&window_);
-    levelRows(*ui_->inputPopup,
-              {ui_->inputStrip, ui_->analysisStrip, ui_->measurementStrip, ui_->pictureStrip});
+    levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->analysisStrip, ui_->measurementStrip,
+                                 ui_->pictureStrip, ui_->slowStrip});
     keepRoom({ui_->minDBText, ui_->maxDBText, ui_->soundInputVolume2Value});
     showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());
     ui_->soundInputVolume2->setFirstValue(kFirstVolume, ui_->soundInputVolume2Label);
@@ -80,6 +97,40 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
             bargraphTimer_.start(kMeterInterval);
     });
     connect(&bargraphTimer_, &QTimer::timeout, this, &WaterfallController::updateBargraph);
+    setUpAdditions();
+}
+
+/// The rulers and what stands under the usual controls.
+void WaterfallController::setUpAdditions() {
+    rulers_ = std::make_unique<WaterfallRulers>(
+        parameters_, *image_,
+        WaterfallSurroundings{*ui_->pictureGrid, *ui_->mainView, *ui_->colorBar, *ui_->readings});
+    ui_->controlRows->setMaximumWidth(ui_->pictureGrid->maximumSize().width());
+    for (const char* title : kChannelFoldTitles)
+        ui_->channelPopup->addItem(title);
+    ui_->mergePopup->addItems({"Maximum", "Power mean"});
+    ui_->slowText->setStepLimits(0.0, kMostSlowSeconds);
+    for (const auto& [key, owner] : std::initializer_list<std::pair<QKeySequence, QWidget*>>{
+             {Qt::CTRL | Qt::Key_Space, &window_}, {Qt::Key_P, ui_->mainView}}) {
+        auto* const shortcut = new QShortcut(key, owner);
+        shortcut->setContext(owner == &window_ ? Qt::WindowShortcut : Qt::WidgetShortcut);
+        connect(shortcut, &QShortcut::activated, ui_->pauseButton, &QAbstractButton::toggle);
+    }
+    connect(ui_->pauseButton, &QAbstractButton::toggled, this, &WaterfallController::setPaused);
+    connect(ui_->fitButton, &QAbstractButton::clicked, this, &WaterfallController::fitLimits);
+    connect(ui_->channelPopup, &QComboBox::currentIndexChanged, this, [this](int index) {
+        const auto channel = static_cast<ChannelFold>(index);
+        parameters_.channel.store(channel, kRelaxed);
+        source_->setFold(channel);
+    });
+    connect(ui_->mergePopup, &QComboBox::currentIndexChanged, this,
+            [this](int index) { parameters_.lineMerge.store(static_cast<LineMerge>(index), kRelaxed); });
+    connect(ui_->slowText, &QLineEdit::editingFinished, this, &WaterfallController::takeSlowSeconds);
+    connect(ui_->pictureFolderButton, &QAbstractButton::clicked, this,
+            &WaterfallController::choosePictureFolder);
+    connect(ui_->mainView, &WaterfallView::rightClicked, this, [this](double x, double y) {
+        rulers_->setReference({x, y});
+    });
 }
 
 WaterfallController::~WaterfallController() {
@@ -99,6 +150,8 @@ void WaterfallController::awakeFromNib() {
     // Independent of the requested size, which the transform adopts with its first line.
     parameters_.waterfallFftLen.store(ui_->fftSizePopup->currentText().toDouble(), kRelaxed);
     parameters_.waterfallWindowType.store(ui_->windowPopup->currentIndex(), kRelaxed);
+    takeSlowSeconds();
+    showPictureFolder();
     source_->startSound();
     connectControls();
     hideSpareControls();
@@ -134,6 +187,10 @@ void WaterfallController::listStoredControls() {
     };
     level(kMaxDbKey, *ui_->maxDbSlider);
     level(kMinDbKey, *ui_->minDbSlider);
+    stored_.add("WATERFALL_channelPopup", *ui_->channelPopup);
+    stored_.add("WATERFALL_slowText", *ui_->slowText);
+    stored_.add("WATERFALL_mergePopup", *ui_->mergePopup);
+    stored_.add("WATERFALL_savePicturesButton", *ui_->savePicturesButton);
 }
 
 /// Where both values of a pair are 0, the store has never held them.
@@ -210,9 +267,20 @@ void WaterfallController::updateBargraph() {
     if (redrawAsked_.exchange(0, kRelaxed) != 0)
         ui_->mainView->update();
     showDroppedSamples();
+    refreshRulers();
+    saveFullPicture();
 }
 
 void WaterfallController::addHints(Hints& hints) const {
+    if (pause_.isValid()) // before what else is wrong with a sound that is not drawn
+        hints.insert(hints.begin(),
+                     {Hint::Urgency::Warning,
+                      QString("Paused for %1: Ctrl+Space goes on")
+                          .arg(waitingTime(std::floor(static_cast<double>(pause_.elapsed()) / 1000.0)))});
+    const double slowSamples = parameters_.slowSamples();
+    if (slowSamples > 0.0)
+        hints.push_back(
+            {Hint::Urgency::Usual, QString("One column every %1 s").arg(slowSamples / kSampleRate)});
     const WaterfallFindings findings = findingsOf(parameters_);
     const auto warn = [&hints](bool isSo, const char* text) {
         if (isSo)
@@ -222,6 +290,8 @@ void WaterfallController::addHints(Hints& hints) const {
     warn(findings.hasEqualLevels, "Min and Max dB are equal: there are two colours only");
     warn(findings.hasEqualLimits, "From and to are equal: all rows show the same frequency");
     warn(findings.showsOldRows, "What lies above 22050 Hz is old: nothing can be heard there");
+    if (!savingTrouble_.isEmpty())
+        hints.push_back({Hint::Urgency::Warning, savingTrouble_});
 }
 
 void WaterfallController::showDroppedSamples() {
@@ -284,7 +354,7 @@ void WaterfallController::doPlayThru() {
 
 void WaterfallController::doTimestamp() {
     systemLog("doTimestamp");
-    ui_->filenameText->setText(QDateTime::currentDateTime().toString("yyyy-MM-dd-HH.mm.ss") + ".png");
+    ui_->filenameText->setText(QDateTime::currentDateTime().toString(kTimeName) + ".png");
 }
 
 void WaterfallController::doUploadButton() {
@@ -301,6 +371,82 @@ void WaterfallController::menuSaveWaterfallPicture() {
     if (const auto path =
             askForFileToSave(&window_, preferences_, kPictures, "Choose file to save the picture to"))
         source_->showNotice(writeFile(*path, ui_->mainView->ReturnPNG(), "Picture saved to %1"));
+}
+
+void WaterfallController::setPaused(bool isPaused) {
+    parameters_.paused.store(isPaused ? 1 : 0, kRelaxed);
+    if (isPaused)
+        pause_.start();
+    else
+        pause_.invalidate();
+}
+
+/// As if the user had moved the sliders.
+void WaterfallController::fitLimits() {
+    const auto levels = rulers_->readout().levelsInView();
+    if (!levels) {
+        source_->showNotice("There is nothing in the picture yet that the limits could fit");
+        return;
+    }
+    const double floor = std::floor(levels->lowest);
+    const double ceiling = std::max(std::ceil(levels->highest), floor + 1.0);
+    ui_->minDbSlider->enterValue(floor);
+    ui_->maxDbSlider->enterValue(ceiling);
+    source_->showNotice(QString("New columns are painted from %1 to %2 dB").arg(floor).arg(ceiling));
+}
+
+/// Not with each key: on the way to "60" there may be no number, which would paint every line.
+void WaterfallController::takeSlowSeconds() {
+    const double seconds = ui_->slowText->doubleValue();
+    parameters_.slowSeconds.store(seconds, kRelaxed);
+    const bool isTaken = seconds == 0.0 || seconds * kSampleRate == parameters_.slowSamples();
+    ui_->slowText->setLook(isTaken ? NumberField::Look::Usual : NumberField::Look::Refused,
+                           QString("Works as %1 s").arg(parameters_.slowSamples() / kSampleRate));
+}
+
+/// Four times a second, while the window is seen.
+void WaterfallController::refreshRulers() {
+    if (!window_.isVisible() || window_.isMinimized() || !window_.updatesEnabled() ||
+        (sinceRefresh_.isValid() && !sinceRefresh_.hasExpired(kRulerInterval)))
+        return;
+    sinceRefresh_.start();
+    rulers_->refresh();
+}
+
+QString WaterfallController::pictureFolder() const {
+    const QString chosen = preferences_.folder(kFullPictures.folderKey);
+    return chosen.isEmpty() ? QStandardPaths::writableLocation(kFullPictures.firstFolder) : chosen;
+}
+
+void WaterfallController::choosePictureFolder() {
+    if (askForFolder(&window_, preferences_, kFullPictures, "Choose folder for full pictures"))
+        showPictureFolder();
+}
+
+void WaterfallController::showPictureFolder() {
+    const QString tip = QString("Full pictures are saved to %1").arg(pictureFolder());
+    ui_->pictureFolderButton->setToolTip(tip);
+    ui_->pictureFolderButton->setAccessibleDescription(tip);
+}
+
+/// Each slow column comes into one picture, also while nobody looks.
+void WaterfallController::saveFullPicture() {
+    const ColumnNumber scrolled = image_->scrolled();
+    const double slowSamples = parameters_.slowSamples();
+    if (!ui_->savePicturesButton->isChecked() || slowSamples == 0.0) {
+        savedUpTo_ = scrolled;
+        return;
+    }
+    // Several short columns may come at once: room for those of half a second.
+    const auto width = static_cast<ColumnNumber>(image_->bounds().width);
+    const auto spare = static_cast<ColumnNumber>(kSampleRate / 2.0 / slowSamples);
+    if (width == 0 || scrolled - savedUpTo_ < width - spare)
+        return;
+    savedUpTo_ = scrolled;
+    const QString path = newPicturePath(pictureFolder());
+    const QString said = writeFile(path, ui_->mainView->ReturnPNG(), "Picture saved to %1");
+    savingTrouble_ = QFileInfo::exists(path) ? QString() : said;
+    source_->showNotice(said);
 }
 
 } // namespace sonotrace

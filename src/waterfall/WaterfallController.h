@@ -4,9 +4,11 @@
 #include "waterfall/WaterfallImage.h"
 #include "waterfall/WaterfallMeasurement.h"
 #include "waterfall/WaterfallParameters.h"
+#include "waterfall/WaterfallRulers.h"
 #include "widgets/InputSource.h"
 #include "widgets/ToolController.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 
 #include <atomic>
@@ -56,8 +58,12 @@ public Q_SLOTS:
     void doTimestamp();
     void doUploadButton();
     void menuSaveWaterfallPicture();
+    void setPaused(bool isPaused);
+    void fitLimits();
+    void choosePictureFolder();
 
 private:
+    void setUpAdditions();
     void listStoredControls();
     void setMissingPairs();
     void fillMenus();
@@ -67,6 +73,11 @@ private:
     void updateBargraph();
     void addHints(Hints& hints) const;
     void showDroppedSamples();
+    void refreshRulers();
+    void takeSlowSeconds();
+    QString pictureFolder() const;
+    void showPictureFolder();
+    void saveFullPicture();
 
     SoundSystem& system_;
     Preferences& preferences_;
@@ -80,6 +91,11 @@ private:
     std::unique_ptr<InputSource> source_;
     QTimer bargraphTimer_;
     std::int64_t saidToBeDropped_ = 0; ///< samples
+    std::unique_ptr<WaterfallRulers> rulers_;
+    QElapsedTimer sinceRefresh_; ///< of the rulers
+    QElapsedTimer pause_;        ///< not valid while there is none
+    ColumnNumber savedUpTo_ = 0; ///< WaterfallImage::scrolled() when the last full picture was saved
+    QString savingTrouble_;      ///< with that picture; empty for none
 };
 
 } // namespace sonotrace

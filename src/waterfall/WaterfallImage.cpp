@@ -8,6 +8,7 @@
 #include <array>
 #include <bit>
 #include <limits>
+#include <utility>
 
 namespace sonotrace {
 
@@ -62,13 +63,16 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
         log_.add(statistics.logRecord()); // nothing to paint on yet: the line is lost
         return;
     }
-    bins_.setScale({.startFreq = parameters_.waterfallStartFreq.load(kRelaxed),
-                    .endFreq = parameters_.waterfallEndFreq.load(kRelaxed),
-                    .height = bounds.height,
-                    .len = len,
-                    .bins = magnitudes.size()});
-    const LevelScale scale(parameters_.waterfallMinDB.load(kRelaxed),
-                           parameters_.waterfallMaxDB.load(kRelaxed));
+    scale_.rows = {.startFreq = parameters_.waterfallStartFreq.load(kRelaxed),
+                   .endFreq = parameters_.waterfallEndFreq.load(kRelaxed),
+                   .height = bounds.height,
+                   .len = len,
+                   .bins = magnitudes.size()};
+    scale_.width = bounds.width;
+    bins_.setScale(scale_.rows);
+    const float minDB = parameters_.waterfallMinDB.load(kRelaxed);
+    const float maxDB = parameters_.waterfallMaxDB.load(kRelaxed);
+    const LevelScale scale(minDB, maxDB);
     const auto& pixels =
         parameters_.colorWaterfallPlot.load(kRelaxed) != 0 ? colors_.colors() : colors_.greys();
     const std::int32_t column = truncateToInt32(static_cast<double>(bounds.width) - offset);
@@ -89,14 +93,61 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
         statistics.addMagnitude(value);
         audible.add(LevelScale::audible(value));
     }
-    if (scrolls)
+    if (scrolls) {
         offscreen_.scrollRows(bins_.rows(), scroll);
+        scrolled_.store(scrolled() + scroll, kRelaxed);
+    }
+    number(scrolled() + column, {static_cast<float>(LevelScale::decibels(audible.smallest)),
+                                 static_cast<float>(LevelScale::decibels(audible.largest)), minDB, maxDB});
     if (paints)
         offscreen_.paintColumn(std::span(words).last(bins_.rows()), column);
     // The level follows the magnitude upward, or downward with crossed limits: its extremes are at the ends.
     statistics.addLevel(scale.level(audible.smallest));
     statistics.addLevel(scale.level(audible.largest));
     log_.add(statistics.logRecord());
+}
+
+/// Notes what a column is, and where the columns begin that it can be compared with.
+void WaterfallImage::number(ColumnNumber column, const ColumnLevels& levels) {
+    constexpr auto kRelaxed = std::memory_order_relaxed;
+    const Scale last = std::exchange(lastScale_, scale_);
+    const bool hadGap = std::exchange(hasGap_, false);
+    if (samplesPerColumn() > 0.0) { // not the first: there is something left of it
+        const auto beginUnless = [column](bool isSame, std::atomic<ColumnNumber>& begin) {
+            if (!isSame)
+                begin.store(column, kRelaxed);
+        };
+        beginUnless(scale_ == last, scaleBegin_);
+        beginUnless(scale_.hasRowsOf(last), rowsBegin_);
+        beginUnless(scale_.hasRateOf(last), rateBegin_);
+        beginUnless(!hadGap, gapEnd_);
+    }
+    samplesPerColumn_.store(scale_.source.samples, kRelaxed);
+    KeptLevels& kept = levels_[slot(column)];
+    kept.column.store(kNone, kRelaxed); // a reader in between finds nothing rather than a mixture
+    kept.lowestDb.store(levels.lowestDb, std::memory_order_release);
+    kept.highestDb.store(levels.highestDb, std::memory_order_release);
+    kept.minDB.store(levels.minDB, std::memory_order_release);
+    kept.maxDB.store(levels.maxDB, std::memory_order_release);
+    kept.column.store(column, std::memory_order_release);
+}
+
+std::optional<std::int32_t> WaterfallImage::stepAt(std::int32_t row, std::int32_t column) const {
+    if (row < 0 || row >= ScrollingBitmap::kHeight || column < 0 || column >= ScrollingBitmap::kWidth)
+        return std::nullopt;
+    return colors_.stepOf(offscreen_.word(row, (offscreen_.origin(row) + column) % ScrollingBitmap::kWidth));
+}
+
+std::optional<ColumnLevels> WaterfallImage::levels(ColumnNumber column) const {
+    constexpr auto kAcquire = std::memory_order_acquire;
+    const KeptLevels& kept = levels_[slot(column)];
+    if (kept.column.load(kAcquire) != column)
+        return std::nullopt;
+    const ColumnLevels levels{kept.lowestDb.load(kAcquire), kept.highestDb.load(kAcquire),
+                              kept.minDB.load(kAcquire), kept.maxDB.load(kAcquire)};
+    if (kept.column.load(std::memory_order_relaxed) != column)
+        return std::nullopt;
+    return levels;
 }
 
 } // namespace sonotrace

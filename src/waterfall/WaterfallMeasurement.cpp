@@ -4,6 +4,7 @@
 #include "base/SampleRate.h"
 #include "base/SystemLog.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -29,7 +30,11 @@ WaterfallClick WaterfallMeasurement::mouseDown(double x, double y, double height
 std::string WaterfallMeasurement::setMouseHz(float frequency, float deltaX) const {
     const std::int32_t speedup = parameters_.waterfallSpeedup.load(std::memory_order_relaxed);
     const double length = parameters_.waterfallFftLen.load(std::memory_order_relaxed);
-    const auto pixelsPerSecond = static_cast<double>(static_cast<float>(speedup * (kSampleRate / length)));
+    const double slowSamples = parameters_.slowSamples();
+    double rate = speedup * (kSampleRate / length);
+    if (slowSamples > 0.0) // no line is faster than its own
+        rate = std::min(rate, kSampleRate / slowSamples);
+    const auto pixelsPerSecond = static_cast<double>(static_cast<float>(rate));
     const auto milliseconds =
         static_cast<double>(static_cast<float>(1000.0 * static_cast<double>(deltaX) / pixelsPerSecond));
     systemLog("setMouseHz %g Hz deltaX %g  pixels/sec %g   milliseconds: %g ", static_cast<double>(frequency),

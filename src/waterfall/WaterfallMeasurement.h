@@ -24,8 +24,8 @@ public:
     /// finite.
     WaterfallClick mouseDown(double x, double y, double height) const;
 
-    /// The result as text, "%d Hz  %g mSec": columns enter the picture at speedup * (44100 / N) a second.
-    /// What is not finite is said in words.
+    /// The result as text, "%d Hz  %g mSec": columns enter the picture at speedup * (44100 / N) a second,
+    /// or as slow columns. What is not finite is said in words.
     std::string setMouseHz(float frequency, float deltaX) const;
 
 private:

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "base/ChannelFold.h"
 #include "base/FftWindows.h"
+#include "base/SampleRate.h"
 
 #include <algorithm>
 #include <atomic>
@@ -11,6 +13,14 @@ namespace sonotrace {
 inline constexpr std::int32_t kSmallestLog2Length = 6; ///< 64 samples
 inline constexpr std::int32_t kLargestLog2Length = 17; ///< 131072 samples
 inline constexpr std::int32_t kLargestFrameLength = 1 << kLargestLog2Length;
+
+/// How the lines of a slow column become one, bin by bin; position in the window's menu.
+enum class LineMerge : std::int32_t { Peak, PowerMean };
+
+// A shorter time is what the speed-up is for, and pictures that are saved when they are full would follow
+// each other in no time.
+inline constexpr double kLeastSlowSeconds = 0.1;
+inline constexpr double kMostSlowSeconds = 86400.0;
 
 /// What the controls of the waterfall window say, shared with the capture thread. One value, one atomic: no
 /// value depends on another one being of the same moment, so relaxed loads and stores are enough.
@@ -28,6 +38,10 @@ struct WaterfallParameters {
     std::atomic<double> waterfallEndFreq{0.0};         ///< Hz, top of the picture
     std::atomic<double> waterfallGain{0.0};            ///< kept and saved only
     std::atomic<double> waterfallReceiverkHz{0.0};     ///< kept and saved only
+    std::atomic<ChannelFold> channel{ChannelFold::Sum};
+    std::atomic<std::int32_t> paused{0};               ///< by the button, whatever the speed-up
+    std::atomic<double> slowSeconds{0.0};              ///< a column; 0 and below: a column is a line
+    std::atomic<LineMerge> lineMerge{LineMerge::Peak}; ///< of the lines of a slow column
 
     /// N as a number of samples that fits every buffer, whatever is stored. Any thread.
     std::int32_t frameLength() const {
@@ -36,9 +50,18 @@ struct WaterfallParameters {
             return 0;
         return static_cast<std::int32_t>(std::min(length, static_cast<double>(kLargestFrameLength)));
     }
+
+    /// Samples that a slow column stands for, 0 while a column is a line. Any thread.
+    double slowSamples() const {
+        const double seconds = slowSeconds.load(std::memory_order_relaxed);
+        if (!(seconds > 0.0)) // also not a number
+            return 0.0;
+        return std::clamp(seconds, kLeastSlowSeconds, kMostSlowSeconds) * kSampleRate;
+    }
 };
 
 static_assert(std::atomic<double>::is_always_lock_free && std::atomic<float>::is_always_lock_free &&
-              std::atomic<std::int32_t>::is_always_lock_free);
+              std::atomic<std::int32_t>::is_always_lock_free &&
+              std::atomic<ChannelFold>::is_always_lock_free && std::atomic<LineMerge>::is_always_lock_free);
 
 } // namespace sonotrace

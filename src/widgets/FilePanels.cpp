@@ -56,6 +56,18 @@ std::optional<QString> askForFileToSave(QWidget* parent, Preferences& preference
     return run(panel, preferences, kind);
 }
 
+std::optional<QString> askForFolder(QWidget* parent, Preferences& preferences, const FileKind& kind,
+                                    const QString& message) {
+    QFileDialog panel(parent, message, folderOf(kind, preferences));
+    panel.setFileMode(QFileDialog::Directory);
+    panel.setOption(QFileDialog::ShowDirsOnly);
+    if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty())
+        return std::nullopt;
+    const QString folder = QDir(panel.selectedFiles().first()).absolutePath();
+    preferences.setFolder(kind.folderKey, folder);
+    return folder;
+}
+
 QString writeFile(const QString& path, const QByteArray& content, const QString& done) {
     const QFileInfo target(path);
     if (target.exists() && !target.isFile()) // a pipe or a device would be replaced

@@ -35,6 +35,10 @@ std::optional<QString> askForFileToOpen(QWidget* parent, Preferences& preference
 std::optional<QString> askForFileToSave(QWidget* parent, Preferences& preferences, const FileKind& kind,
                                         const QString& message);
 
+/// Asks for the folder of a kind itself.
+std::optional<QString> askForFolder(QWidget* parent, Preferences& preferences, const FileKind& kind,
+                                    const QString& message);
+
 /// Replaces a file as a whole. Gives what to tell the user: `done` with the file's path in it, or what went
 /// wrong.
 QString writeFile(const QString& path, const QByteArray& content, const QString& done);

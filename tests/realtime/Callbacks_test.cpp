@@ -71,6 +71,8 @@ TEST(Callbacks, DoNotAllocate) {
         waterfall.parameters.fftSizeLog2 = kSmallestLog2Length + turn / 13;
         waterfall.parameters.waterfallWindowType = turn % 13;
         waterfall.parameters.waterfallSpeedup = 1 + turn % 4;
+        waterfall.parameters.slowSeconds = turn % 5 == 0 ? 0.1 : 0.0;
+        waterfall.parameters.lineMerge = static_cast<LineMerge>(turn % 2);
         const std::size_t before = allocations;
         system.advance(11025);
         windowThread.turn();

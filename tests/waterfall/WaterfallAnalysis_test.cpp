@@ -1,5 +1,6 @@
 #include "WaterfallFixture.h"
 
+#include "waterfall/SlowColumn.h"
 #include "waterfall/WaterfallFindings.h"
 #include "waterfall/WaterfallTransform.h"
 
@@ -74,16 +75,61 @@ TEST(WaterfallAnalysis, FillsTheColumnsThatAPassScrollsInFromLeftToRight) {
         EXPECT_EQ(waterfall.pixel(1023, column), word) << column;
 }
 
+TEST(SampleRing, FoldsTheChannelsAsChosen) {
+    SampleRing ring;
+    for (const auto& [channel, sample] : {std::pair{ChannelFold::Sum, -25535},
+                                          {ChannelFold::Left, 20000},
+                                          {ChannelFold::Right, 20001},
+                                          {ChannelFold::Difference, -1},
+                                          {static_cast<ChannelFold>(99), -25535}}) {
+        ring.fold(std::array<std::int16_t, 2>{20000, 20001}, channel);
+        EXPECT_EQ(ring.next(), sample) << static_cast<int>(channel);
+    }
+}
+
+TEST(SlowColumn, IsThePeakOrThePowerMeanOfItsLines) {
+    for (const auto& [merge, first, second] :
+         {std::tuple{LineMerge::Peak, 4.0, 1.0}, {LineMerge::PowerMean, std::sqrt(12.5), std::sqrt(0.5)}}) {
+        SlowColumn column;
+        EXPECT_FALSE(column.add(std::vector{9.0}, 50, 100.0, merge)) << "of another length: forgotten";
+        EXPECT_FALSE(column.add(std::vector{3.0, 1.0}, 50, 100.0, merge));
+        EXPECT_TRUE(column.add(std::vector{4.0, 0.0}, 70, 100.0, merge));
+        EXPECT_DOUBLE_EQ(column.magnitudes()[0], first);
+        EXPECT_DOUBLE_EQ(column.magnitudes()[1], second);
+        EXPECT_TRUE(column.add(std::vector{2.0, 2.0}, 80, 100.0, merge)) << "20 were left over";
+        EXPECT_DOUBLE_EQ(column.magnitudes()[0], 2.0);
+    }
+}
+
+TEST(WaterfallAnalysis, PaintsSlowColumnsAtTheirTimeWhateverTheLinesTake) {
+    const struct {
+        double seconds;
+        int log2, speedup;
+        std::size_t columns;
+        double samplesPerColumn;
+    } cases[] = {{0.1, 10, 1, 99, 4410}, {0.1, 10, 3, 99, 4410},   {1e-300, 10, 1, 99, 4410},
+                 {0.1, 13, 1, 53, 8192}, {0.25, 10, 1, 39, 11025}, {1e300, 10, 1, 0, 0},
+                 {-1, 10, 1, 430, 1024}, {kInfinity, 10, 1, 0, 0}, {kNan, 10, 3, 1293, 341}};
+    for (const auto& tried : cases) {
+        Waterfall waterfall(1 << tried.log2, tried.log2, tried.speedup);
+        waterfall.parameters.slowSeconds = tried.seconds;
+        waterfall.analysis.capture(scatteredFrames(441000));
+        EXPECT_EQ(waterfall.loggedLines().size(), tried.columns) << &tried - cases;
+        EXPECT_EQ(waterfall.image.samplesPerColumn(), tried.samplesPerColumn) << &tried - cases;
+    }
+}
+
 TEST(WaterfallAnalysis, DropsWhatIsCapturedWhilePausedAndGoesOnFresh) {
     Waterfall fresh;
     EXPECT_FALSE(fresh.analysis.capture(scatteredFrames(1024))) << "a line needs more than its samples";
     EXPECT_TRUE(fresh.analysis.capture(scatteredFrames(1)));
     const std::vector<LoggedLine> line = fresh.loggedLines();
-    for (const std::int32_t speedup : {0, -1, 1025, std::numeric_limits<std::int32_t>::max()}) {
+    for (const std::int32_t speedup : {0, -1, 1, 1025, std::numeric_limits<std::int32_t>::max()}) {
         Waterfall waterfall(1024, 10, speedup);
+        waterfall.parameters.paused = speedup == 1;
         for (const int frames : {11025, 500}) // less than a frame, too
             EXPECT_FALSE(waterfall.analysis.capture(scatteredFrames(frames))) << speedup;
-        waterfall.parameters.waterfallSpeedup = 1;
+        waterfall.set();
         waterfall.analysis.capture(scatteredFrames(1025));
         EXPECT_EQ(waterfall.loggedLines(), line) << speedup;
     }
@@ -209,6 +255,8 @@ TEST(HostileValues, LeaveTheWaterfallAsItWasWhenTheyAreGone) {
         {"as many lines as samples", [](Waterfall& w) { w.set(64.0, 6, 64); }},
         {"one line too many", [](Waterfall& w) { w.set(64.0, 6, 65); }},
         {"no such window", [](Waterfall& w) { w.parameters.waterfallWindowType = -42; }},
+        {"no such channel", [](Waterfall& w) { w.parameters.channel = static_cast<ChannelFold>(-7); }},
+        {"slow columns of no number", [](Waterfall& w) { w.parameters.slowSeconds = kNan; }},
         {"a huge view", [](Waterfall& w) { w.image.setBounds(1e300, 1e300); }},
         {"a view that is no number", [](Waterfall& w) { w.image.setBounds(kNan, kNan); }},
         {"a sliver of a view", [](Waterfall& w) { w.image.setBounds(-5.0, 0.25); }},

@@ -1,12 +1,16 @@
 #include "waterfall/WaterfallController.h"
 
+#include "base/Numbers.h"
 #include "support/ToolWindow.h"
 #include "waterfall/WaterfallView.h"
 #include "widgets/LevelIndicator.h"
+#include "widgets/ReadingsPanel.h"
 #include "widgets/RealSlider.h"
 
+#include <QDir>
 #include <QImage>
 
+#include <cmath>
 #include <gtest/gtest.h>
 
 namespace sonotrace {
@@ -15,6 +19,29 @@ namespace {
 class WaterfallWindowTest : public ListeningWindowTest<WaterfallController> {
 protected:
     WaterfallView& view() { return find<WaterfallView>("mainView"); }
+
+    /// Opens a window that is seen and has heard a tone in mid-height for a second.
+    void openWithATone() {
+        tone_.bench.set(0, {11025, 0, 0.9, 0, 0, 1});
+        storePlainWaterfall(preferences_);
+        open();
+        window_->show();
+        window_->activateWindow();
+        choose("inputPopup", 0);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return controller_->parameters().waterfallMinDB == 60.0F; }));
+        view().grab();
+        hear(1);
+        view().grab();
+    }
+
+    /// The number in a reading, once it is up to date.
+    double reading(const char* name) {
+        QTest::qWait(320);
+        const QString row = find<ReadingsPanel>("readings").text().section(QString(name) + '\t', 1);
+        return row.section('\n', 0, 0).remove(QChar(0x2007)).section(' ', 0, 0).toDouble();
+    }
+
+    Tone tone_{system_};
 };
 
 TEST_F(WaterfallWindowTest, TheEngineGetsWhatIsStoredAndWhatIsTyped) {
@@ -49,13 +76,14 @@ TEST_F(WaterfallWindowTest, TheEngineGetsWhatIsStoredAndWhatIsTyped) {
     window_->resize(3000, 2500);
     view().grab();
     EXPECT_EQ(view().size(), QSize(1536, 1024));
-    EXPECT_EQ(find<QWidget>("controlRows").geometry().topRight(),
-              view().geometry().bottomRight() + QPoint(0, 1));
+    for (const auto& [ruler, corner] : {std::pair{"frequencyRuler", view().geometry().bottomLeft()},
+                                        {"timeRuler", view().geometry().bottomLeft()},
+                                        {"levelRuler", view().geometry().topRight()}})
+        EXPECT_TRUE(find<QWidget>(ruler).geometry().adjusted(-20, -1, 1, 1).contains(corner)) << ruler;
 }
 
 TEST_F(WaterfallWindowTest, AToneIsALineThatAPictureKeeps) {
-    Tone tone(system_);
-    tone.bench.set(0, {11025, 0, 0.9, 0, 0, 1}); // the middle of the axis
+    tone_.bench.set(0, {11025, 0, 0.9, 0, 0, 1}); // the middle of the axis
     storePlainWaterfall(preferences_);
     open();
     choose("inputPopup", 0); // restarts the stream
@@ -92,6 +120,87 @@ TEST_F(WaterfallWindowTest, AToneIsALineThatAPictureKeeps) {
     const QColor grey = view().grab().toImage().pixelColor(shown.width() - 5, middle);
     EXPECT_GT(grey.red(), 200);
     EXPECT_EQ(grey.red(), grey.blue());
+}
+
+TEST_F(WaterfallWindowTest, AStandingPictureIsMeasuredWithMouseAndKeysAndItsReferenceMovesWithIt) {
+    openWithATone();
+    const QPoint middle(view().width() - 20, view().height() / 2);
+    view().setFocus();
+    QTest::keyClick(&view(), Qt::Key_P);
+    EXPECT_TRUE(find<QAbstractButton>("pauseButton").isChecked());
+    hear(0.5);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return status().startsWith("Paused for"); }));
+    EXPECT_EQ(find<QLineEdit>("speedupText").text(), "1");
+    QTest::mouseClick(&view(), Qt::RightButton, {}, middle + QPoint(-5, 10));
+    QTest::mouseMove(&view(), middle);
+    QTest::mouseClick(&view(), Qt::LeftButton, {}, middle);
+    const auto measured = [this] { return find<QLineEdit>("mouseFrequencyText").text(); };
+    const QString byMouse = measured();
+    EXPECT_TRUE(byMouse.endsWith(" Hz  116.1 mSec")) << byMouse.toStdString();
+    EXPECT_EQ(reading("After ref."), 0.116);
+    EXPECT_NEAR(reading("Frequency"), byMouse.section(' ', 0, 0).toInt(), 1.0);
+    EXPECT_NEAR(reading("Above ref."), 220500.0 / view().height(), 0.06);
+    EXPECT_EQ(reading("Time ago"), 0.441) << "19 columns";
+    EXPECT_GT(reading("Level"), 90.0);
+
+    const QImage bare = view().grab().toImage();
+    for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Left, Qt::Key_Right, Qt::Key_Return})
+        QTest::keyClick(&view(), key);
+    EXPECT_EQ(measured(), byMouse);
+    EXPECT_NE(view().grab().toImage(), bare) << "the cross-hair";
+    QTest::keyClick(&view(), Qt::Key_Left, Qt::ShiftModifier);
+    EXPECT_EQ(reading("After ref."), -0.116);
+    QTest::keyClick(&view(), Qt::Key_Return, Qt::ShiftModifier);
+    EXPECT_EQ(reading("After ref."), 0.0);
+
+    QTest::keyClick(&view(), Qt::Key_P);
+    hear(1);
+    EXPECT_EQ(reading("After ref."), 0.0) << "no time is told over a pause";
+    QTest::keyClick(&view(), Qt::Key_Return, Qt::ShiftModifier);
+    hear(1); // 43 columns
+    EXPECT_NEAR(reading("After ref."), 1.0, 0.03);
+    QTest::keyClick(&view(), Qt::Key_Escape);
+    EXPECT_EQ(reading("Frequency"), 0.0) << "there is nothing to point at";
+}
+
+TEST_F(WaterfallWindowTest, LimitsFitThePictureAndTheChannelIsChosen) {
+    open();
+    click("fitButton");
+    EXPECT_TRUE(status().contains("nothing in the picture"));
+    openWithATone();
+    click("fitButton");
+    const int top = truncateToInt32(std::ceil(6.25 * std::log(0.9 * 32767 * 512)));
+    EXPECT_EQ(find<RealSlider>("maxDbSlider").doubleValue(), top);
+    EXPECT_LT(find<RealSlider>("minDbSlider").doubleValue(), 60.0);
+    find<QComboBox>("channelPopup").setCurrentIndex(1); // the tone is on the right
+    hear(1);
+    click("fitButton");
+    EXPECT_TRUE(status().contains("nothing in the picture")) << status().toStdString();
+}
+
+TEST_F(WaterfallWindowTest, FullPicturesOfSlowColumnsAreSavedUnderNamesOfTheirOwn) {
+    const auto saved = [this] { return QDir(folder_.filePath("full")).entryList({"2*-*.png"}); };
+    preferences_.setFolder("WATERFALL_pictureFolder", folder_.filePath("full"));
+    preferences_.setFloat("WATERFALL_slowText", 0.01); // a tenth is the least
+    preferences_.setInteger("WATERFALL_savePicturesButton", 1);
+    openWithATone();
+    const double full = view().width() / 10.0;
+    hear(full - 2);
+    QTest::qWait(60);
+    EXPECT_FALSE(status().contains("cannot be written"));
+    hear(2);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return status().contains("cannot be written"); }))
+        << "there is no such folder";
+    QDir(folder_.path()).mkdir("full");
+    for (const qsizetype count : {1, 2, 3}) {
+        hear(full);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return saved().size() == count; })) << saved().size();
+    }
+    EXPECT_EQ(QImage(folder_.filePath("full/" + saved().first())).size(), QSize(1536, 1024));
+    type("slowText", "");
+    EXPECT_GT(controller_->parameters().slowSamples(), 0.0) << "still being typed";
+    QTest::keyClick(&find<QLineEdit>("slowText"), Qt::Key_Return);
+    EXPECT_EQ(controller_->parameters().slowSamples(), 0.0);
 }
 
 } // namespace

@@ -50,6 +50,9 @@ struct Waterfall {
         parameters.waterfallSpeedup = speedup;
         parameters.waterfallWindowType = 1;
         parameters.colorWaterfallPlot = 0;
+        parameters.channel = ChannelFold::Sum;
+        parameters.paused = 0;
+        parameters.slowSeconds = 0.0;
         setFrequencies(startFreq, endFreq);
         setLimits(50.0F, 100.0F);
         image.setBounds(800.0, 1000.0);

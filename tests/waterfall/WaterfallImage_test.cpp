@@ -4,6 +4,7 @@
 #include "waterfall/LevelScale.h"
 #include "waterfall/ShownPicture.h"
 #include "waterfall/WaterfallMeasurement.h"
+#include "waterfall/WaterfallReadout.h"
 
 #include <cstring>
 #include <random>
@@ -161,11 +162,122 @@ TEST(WaterfallMeasurement, TellsTheFrequencyAndTheTimeSinceTheRightClick) {
     parameters.waterfallFftLen = 1024.0; // 3 * 44100 / 1024 = 129.19921875 columns a second
     parameters.waterfallSpeedup = 3;
     EXPECT_EQ(measurement.setMouseHz(-0.9F, -100.0F), "0 Hz  -773.998 mSec");
+    parameters.slowSeconds = 2.0;
+    EXPECT_EQ(measurement.setMouseHz(5.0F, 30.0F), "5 Hz  60000 mSec");
     parameters.waterfallSpeedup = 0;
     EXPECT_EQ(measurement.setMouseHz(5.0F, 0.0F), "5 Hz  0 columns (no time while paused)");
     const WaterfallClick early = measurement.mouseDown(10.0, 20.0, 0.0); // before there is a picture
     EXPECT_EQ(measurement.setMouseHz(early.frequency, early.deltaX),
               "no frequency  -140 columns (no time while paused)");
+}
+
+/// A second of 44 columns of a tone whose row is 403 of 1000.
+void hearTone(Waterfall& waterfall) {
+    waterfall.analysis.capture(tone(206, 1024, 1000.0, 44 * 1024 + 1));
+}
+
+WaterfallReading readAt(const Waterfall& waterfall, double x, double y,
+                        const std::optional<PictureReference>& reference = {}) {
+    return WaterfallReadout(waterfall.parameters, waterfall.image, waterfall.image.scrolled())
+        .read({x, y}, reference);
+}
+
+TEST(WaterfallReadout, TellsWhatIsUnderAPointAndSinceAReferenceThatMovesAlong) {
+    Waterfall waterfall;
+    hearTone(waterfall);
+    constexpr double kColumn = 1024 / 44100.0;
+    const WaterfallReadout then(waterfall.parameters, waterfall.image, waterfall.image.scrolled());
+    EXPECT_EQ(then.timeAxis(), (Axis{800 * kColumn, 0}));
+    const PictureReference reference = then.reference({780.0, 300.0});
+    waterfall.analysis.capture(tone(206, 1024, 1000.0, 10 * 1024));
+    const WaterfallReading reading = readAt(waterfall, 790.0, 402.5, reference);
+    EXPECT_NEAR(*reading.frequencyHz, 402.5 * 22.05, 1e-9);
+    EXPECT_NEAR(*reading.secondsAgo, 9 * kColumn, 1e-9);
+    EXPECT_NEAR(*reading.secondsFromReference, 20 * kColumn, 1e-9) << "it is at 770 now";
+    EXPECT_NEAR(*reading.hertzFromReference, 102.5 * 22.05, 1e-9);
+    // 1000 * 1024 / 2 is 512000, 82.16 on the scale, whose steps are 0.2 wide.
+    EXPECT_NEAR(*readAt(waterfall, 799.0, 403.5).levelDb, 82.16, 0.1);
+    EXPECT_FALSE(readAt(waterfall, 700.0, 402.5).levelDb) << "nothing was painted there";
+    EXPECT_FALSE(readAt(waterfall, 790.0, 402.5).secondsFromReference) << "without a reference";
+}
+
+TEST(WaterfallReadout, SaysWhereColoursEndWhateverTheLimitsAreNow) {
+    for (const auto& [floor, ceiling] : {std::pair{50.0F, 80.0F}, {80.0F, 50.0F}}) {
+        Waterfall waterfall;
+        waterfall.setLimits(floor, ceiling);
+        waterfall.parameters.colorWaterfallPlot = floor > ceiling;
+        hearTone(waterfall);
+        waterfall.setLimits(0.0F, 150.0F);
+        for (const auto& [y, level, bound] : {std::tuple{100.5, 50.0, WaterfallReading::Bound::AtMost},
+                                              {403.5, 80.0, WaterfallReading::Bound::AtLeast}}) {
+            const WaterfallReading reading = readAt(waterfall, 799.0, y);
+            EXPECT_EQ(reading.levelDb, level) << y;
+            EXPECT_EQ(reading.levelBound, bound) << y;
+        }
+    }
+}
+
+TEST(WaterfallReadout, KnowsWhatIsOfAnotherScaleOrOlderThanAGap) {
+    const struct {
+        const char* what;
+        void (*change)(Waterfall&);
+        bool isOther, hasOtherRows;
+        TimeScale times;
+    } cases[] = {
+        {"nothing", [](Waterfall&) {}, false, false, TimeScale::Current},
+        {"limits", [](Waterfall& w) { w.setLimits(0.0F, 20.0F); }, false, false, TimeScale::Current},
+        {"top", [](Waterfall& w) { w.setFrequencies(0.0, 20000.0); }, true, true, TimeScale::Current},
+        {"height", [](Waterfall& w) { w.image.setBounds(800.0, 900.0); }, true, true, TimeScale::Current},
+        {"width", [](Waterfall& w) { w.image.setBounds(900.0, 1000.0); }, true, false, TimeScale::Other},
+        {"window", [](Waterfall& w) { w.parameters.waterfallWindowType = 2; }, true, false,
+         TimeScale::Current},
+        {"channel", [](Waterfall& w) { w.parameters.channel = ChannelFold::Left; }, true, false,
+         TimeScale::Current},
+        {"size", [](Waterfall& w) { w.parameters.fftSizeLog2 = 9; }, true, false, TimeScale::Other},
+        {"speed-up", [](Waterfall& w) { w.parameters.waterfallSpeedup = 2; }, true, false, TimeScale::Other},
+        {"slow", [](Waterfall& w) { w.parameters.slowSeconds = 0.1; }, true, false, TimeScale::Other},
+        {"gap", [](Waterfall& w) { w.analysis.interrupt(), w.analysis.resume(); }, false, false,
+         TimeScale::BeforeGap},
+    };
+    for (const auto& tried : cases) {
+        SCOPED_TRACE(tried.what);
+        Waterfall waterfall;
+        hearTone(waterfall);
+        const ColumnNumber newest = waterfall.image.scrolled() + 799;
+        tried.change(waterfall);
+        hearTone(waterfall);
+        const auto at = static_cast<double>(newest - waterfall.image.scrolled());
+        EXPECT_EQ(waterfall.image.scaleBegin() > newest, tried.isOther);
+        const WaterfallReading old = readAt(waterfall, at, 402.5);
+        EXPECT_EQ(old.frequencyHz.has_value(), !tried.hasOtherRows);
+        EXPECT_EQ(old.times, tried.times);
+        EXPECT_EQ(old.secondsAgo.has_value(), tried.times == TimeScale::Current);
+        const double right = static_cast<double>(waterfall.image.bounds().width) - 1;
+        for (const double x : {at + (right > 799 ? 102 : 2), right}) {
+            EXPECT_TRUE(readAt(waterfall, x, 402.5).frequencyHz);
+            EXPECT_TRUE(readAt(waterfall, x, 402.5).secondsAgo);
+        }
+    }
+}
+
+TEST(WaterfallReadout, FitsTheLimitsToWhatMostColumnsHoldHoweverTheyWerePainted) {
+    Waterfall waterfall;
+    const auto levels = [&waterfall] {
+        return WaterfallReadout(waterfall.parameters, waterfall.image, waterfall.image.scrolled())
+            .levelsInView();
+    };
+    EXPECT_FALSE(levels()) << "nothing in view";
+    waterfall.analysis.capture(std::vector<std::int16_t>(std::size_t{2} * 1025));
+    EXPECT_FALSE(levels()) << "only silence";
+    waterfall.setLimits(60.0F, 61.0F);
+    std::mt19937 random(5);
+    std::vector<std::int16_t> noisyTone = tone(206, 1024, 10000.0, 4 * 1024);
+    for (std::int16_t& sample : noisyTone)
+        sample = static_cast<std::int16_t>(sample + static_cast<int>(random() % 200));
+    waterfall.analysis.capture(noisyTone);
+    ASSERT_TRUE(levels());
+    EXPECT_NEAR(levels()->highest, 6.25 * std::log(10000.0 * 512), 0.1);
+    EXPECT_GT(levels()->lowest, 10.0) << "in spite of the silent column";
 }
 
 TEST(LevelScale, PutsMagnitudesOnStepsBetweenFloorAndCeiling) {

@@ -1,0 +1,168 @@
+#include "waterfall/WaterfallRulers.h"
+
+#include "waterfall/ColorBar.h"
+#include "waterfall/WaterfallView.h"
+#include "widgets/ReadingsPanel.h"
+
+#include <QGridLayout>
+
+#include <cmath>
+#include <utility>
+
+namespace sonotrace {
+
+namespace {
+
+constexpr auto kRelaxed = std::memory_order_relaxed;
+const QColor kReferenceColour(0x2a, 0x8c, 0xe0);
+const QColor kBreakColour(0xe0, 0x8a, 0x00);
+const QString kNone("–");
+constexpr std::size_t kReadings = 5;
+
+struct TimeUnit {
+    const char* name;
+    double perSecond;
+};
+
+/// The one that keeps the numbers of an axis short.
+TimeUnit unitOf(double seconds) {
+    if (seconds < 0.5)
+        return {"ms", 1000.0};
+    if (seconds < 300.0)
+        return {"s", 1.0};
+    return seconds < 18000.0 ? TimeUnit{"min", 1.0 / 60.0} : TimeUnit{"h", 1.0 / 3600.0};
+}
+
+/// As wide with few digits as with many.
+QString number(double value, int width, int decimals) {
+    constexpr QChar kFigureSpace(0x2007);
+    return QString("%1").arg(value, width, 'f', decimals, kFigureSpace);
+}
+
+QString timeText(const std::optional<double>& seconds, const QString& otherwise) {
+    if (!seconds)
+        return otherwise;
+    const double size = std::abs(*seconds);
+    if (size < 1000.0)
+        return number(*seconds, 8, 3) + " s";
+    const auto minutes = std::llround(size / 60.0);
+    return QString("%1%2 h %3 min")
+        .arg(*seconds < 0.0 ? "-" : "")
+        .arg(minutes / 60)
+        .arg(minutes % 60, 2, 10, QChar(u'0'));
+}
+
+QString levelText(const WaterfallReading& reading) {
+    if (!reading.levelDb)
+        return kNone;
+    QString text = number(*reading.levelDb, 6, 1) + " dB";
+    switch (reading.levelBound) {
+    case WaterfallReading::Bound::AtMost:
+        return "≤ " + text;
+    case WaterfallReading::Bound::AtLeast:
+        return "≥ " + text;
+    case WaterfallReading::Bound::None:
+        break;
+    }
+    return text;
+}
+
+Ruler& addRuler(const WaterfallSurroundings& around, Ruler* ruler, const char* name, int row, int column) {
+    ruler->setObjectName(name);
+    ruler->setMaximumSize(row == 0 ? QWIDGETSIZE_MAX : ScrollingBitmap::kWidth,
+                          row == 0 ? ScrollingBitmap::kHeight : QWIDGETSIZE_MAX);
+    around.grid.addWidget(ruler, row, column);
+    return *ruler;
+}
+
+} // namespace
+
+WaterfallRulers::WaterfallRulers(const WaterfallParameters& parameters, const WaterfallImage& image,
+                                 const WaterfallSurroundings& around)
+    : parameters_(parameters),
+      image_(image),
+      around_(around),
+      frequencies_(addRuler(around, new Ruler(Ruler::Side::Left, "Frequency", "Hz"), "frequencyRuler", 0, 0)),
+      times_(addRuler(around, new Ruler(Ruler::Side::Bottom, "Time before the newest column", "s"),
+                      "timeRuler", 1, 1)),
+      levels_(
+          addRuler(around, new Ruler(Ruler::Side::Right, "Level of the colours", "dB"), "levelRuler", 0, 3)) {
+    around.colorBar.setMaximumHeight(ScrollingBitmap::kHeight);
+    // The widest first: the columns are as wide as they have ever been, and so do not move any more.
+    const QString widest = number(-44444.4, 8, 1) + " Hz";
+    around.readings.show(std::vector<Reading>(kReadings, {"Above ref.", widest, {}}));
+    refresh();
+}
+
+WaterfallReadout WaterfallRulers::readout() const {
+    return {parameters_, image_, around_.view.shownScrolled()};
+}
+
+void WaterfallRulers::setReference(const PicturePoint& point) {
+    reference_ = readout().reference(point);
+    refresh();
+}
+
+void WaterfallRulers::refresh() {
+    const WaterfallReadout readout = this->readout();
+    showAxes(readout);
+    showReadings(readout);
+}
+
+void WaterfallRulers::showAxes(const WaterfallReadout& readout) {
+    Axis time = readout.timeAxis();
+    const TimeUnit unit = unitOf(time.from);
+    time.from *= unit.perSecond;
+    std::vector<RulerMark> times;
+    const auto mark = [&](ColumnNumber column, const char* text) {
+        times.push_back(
+            {readout.secondsAgo(static_cast<double>(column)) * unit.perSecond, text, kBreakColour});
+    };
+    mark(image_.scaleBegin(), "‹ other scale");
+    if (image_.gapEnd() > image_.scaleBegin())
+        mark(image_.gapEnd(), "‹ gap");
+    std::vector<RulerMark> frequencies;
+    if (reference_) {
+        times.push_back(
+            {readout.secondsAgo(reference_->column) * unit.perSecond, "reference", kReferenceColour});
+        frequencies.push_back({reference_->frequencyHz, {}, kReferenceColour});
+    }
+    times_.setUnit(unit.name);
+    times_.setAxis(time);
+    times_.setMarks(std::move(times));
+    frequencies_.setAxis(readout.frequencyAxis());
+    frequencies_.setMarks(std::move(frequencies));
+    levels_.setAxis({.from = static_cast<double>(parameters_.waterfallMinDB.load(kRelaxed)),
+                     .to = static_cast<double>(parameters_.waterfallMaxDB.load(kRelaxed))});
+    around_.colorBar.setColoured(parameters_.colorWaterfallPlot.load(kRelaxed) != 0);
+}
+
+void WaterfallRulers::showReadings(const WaterfallReadout& readout) {
+    const auto probe = around_.view.probe();
+    const WaterfallReading reading = probe ? readout.read(*probe, reference_) : WaterfallReading();
+    const auto hertz = [&](const std::optional<double>& value) {
+        return value ? number(*value, 8, 1) + " Hz" : reading.hasOtherRows ? QString("other scale") : kNone;
+    };
+    const QString noTime = reading.times == TimeScale::Other       ? "other scale"
+                           : reading.times == TimeScale::BeforeGap ? "before a gap"
+                                                                   : kNone;
+    const bool lacksReference = probe && !reference_;
+    const QString noDifference = lacksReference ? kNone : noTime;
+    around_.readings.show(
+        {{"Frequency", hertz(reading.frequencyHz),
+          "Frequency under the mouse or the cross-hair. Not told for a column that was painted with other "
+          "limits, or at another height of the picture"},
+         {"Time ago", timeText(reading.secondsAgo, noTime),
+          "How long before the newest column. Not told where the picture stood still since, or sound was "
+          "dropped, or columns came at another rate"},
+         {"Level", levelText(reading),
+          "Level of the colour, with the limits that its column was painted with, in the picture's own "
+          "decibels: 6.25 times the natural logarithm of the magnitude. At most and at least where the "
+          "colours end"},
+         {"After ref.", timeText(reading.secondsFromReference, noDifference),
+          "Time after the last right click, which moves with the picture"},
+         {"Above ref.", lacksReference ? kNone : hertz(reading.hertzFromReference),
+          "Frequency above that of the last right click"}});
+}
+
+} // namespace sonotrace
