@@ -414,7 +414,7 @@ void WaterfallController::refreshRulers() {
 }
 
 QString WaterfallController::pictureFolder() const {
-    const QString chosen = preferences_.folder(kFullPictures.folderKey);
+    const QString chosen = preferences_.path(kFullPictures.folderKey);
     return chosen.isEmpty() ? QStandardPaths::writableLocation(kFullPictures.firstFolder) : chosen;
 }
 

@@ -64,7 +64,7 @@ std::optional<QString> askForFolder(QWidget* parent, Preferences& preferences, c
     if (panel.exec() != QDialog::Accepted || panel.selectedFiles().isEmpty())
         return std::nullopt;
     const QString folder = QDir(panel.selectedFiles().first()).absolutePath();
-    preferences.setFolder(kind.folderKey, folder);
+    preferences.setPath(kind.folderKey, folder);
     return folder;
 }
 

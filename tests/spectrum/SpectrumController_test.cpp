@@ -103,9 +103,9 @@ TEST_F(SpectrumWindowTest, TheNumbersUnderThePictureAreThoseOfTheTone) {
                    find<ReadingsPanel>("pointerReadings").text().contains(text);
         });
     };
-    EXPECT_TRUE(shows("Peak\t1000.00 Hz  -6.02 dBFS")) << panel.text().toStdString();
+    EXPECT_TRUE(shows("Peak\t1000.00 Hz -6.02 dBFS")) << panel.text().toStdString();
     choose("channelPopup", 2);
-    EXPECT_TRUE(shows("Peak\t1000.00 Hz  -0.92 dBFS")) << panel.text().toStdString();
+    EXPECT_TRUE(shows("Peak\t1000.00 Hz -0.92 dBFS")) << panel.text().toStdString();
 
     // The fifth of 5000 Hz, pointed at with the keys; held, it stays when the tone ends.
     auto& view = find<SpectrumView>("mainView");
@@ -115,7 +115,7 @@ TEST_F(SpectrumWindowTest, TheNumbersUnderThePictureAreThoseOfTheTone) {
     for (int i = 50; i < column; ++i)
         QTest::keyClick(&view, Qt::Key_Right);
     QTest::keyClick(&view, Qt::Key_Return);
-    EXPECT_TRUE(shows("A\t1000.00 Hz  -0.92 dBFS"));
+    EXPECT_TRUE(shows("A\t1000.00 Hz -0.92 dBFS"));
     QTest::mouseClick(&view, Qt::LeftButton, {}, {column + 100, 10});
     EXPECT_TRUE(shows("B - A\t"));
     click("holdButton");

@@ -180,7 +180,7 @@ TEST_F(WaterfallWindowTest, LimitsFitThePictureAndTheChannelIsChosen) {
 
 TEST_F(WaterfallWindowTest, FullPicturesOfSlowColumnsAreSavedUnderNamesOfTheirOwn) {
     const auto saved = [this] { return QDir(folder_.filePath("full")).entryList({"2*-*.png"}); };
-    preferences_.setFolder("WATERFALL_pictureFolder", folder_.filePath("full"));
+    preferences_.setPath("WATERFALL_pictureFolder", folder_.filePath("full"));
     preferences_.setFloat("WATERFALL_slowText", 0.01); // a tenth is the least
     preferences_.setInteger("WATERFALL_savePicturesButton", 1);
     openWithATone();
