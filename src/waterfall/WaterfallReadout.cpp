@@ -57,7 +57,8 @@ WaterfallReading WaterfallReadout::read(const PicturePoint& point,
         // Frequencies stay what they are; times have to be of one scale.
         if (reading.frequencyHz)
             reading.hertzFromReference = *reading.frequencyHz - reference->frequencyHz;
-        if (hasTimes && times(std::floor(reference->column)) == TimeScale::Current)
+        reading.referenceTimes = times(std::floor(reference->column));
+        if (hasTimes && reading.referenceTimes == TimeScale::Current)
             reading.secondsFromReference =
                 secondsAgo(reference->column) - secondsAgo(point.x + static_cast<double>(scrolled_));
     }

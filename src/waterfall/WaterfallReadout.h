@@ -32,6 +32,7 @@ struct WaterfallReading {
 
     bool hasOtherRows = false; ///< the frequencies of the column's rows were others
     TimeScale times = TimeScale::Current;
+    TimeScale referenceTimes = TimeScale::Current;
     std::optional<double> frequencyHz;
     std::optional<double> secondsAgo; ///< before the newest column
     std::optional<double> levelDb;    ///< on the display's own scale
