@@ -78,10 +78,10 @@ void WaterfallReadout::readLevel(const PicturePoint& point, WaterfallReading& re
     const bool isCrossed = levels->maxDB < levels->minDB;
     if (*step == 0) {
         reading.levelDb = static_cast<double>(levels->minDB);
-        reading.levelBound = isCrossed ? WaterfallReading::Bound::AtLeast : WaterfallReading::Bound::AtMost;
+        reading.levelBound = isCrossed ? WaterfallReading::Bound::Lower : WaterfallReading::Bound::Upper;
     } else if (*step >= kLastStep) {
         reading.levelDb = static_cast<double>(levels->maxDB);
-        reading.levelBound = isCrossed ? WaterfallReading::Bound::AtMost : WaterfallReading::Bound::AtLeast;
+        reading.levelBound = isCrossed ? WaterfallReading::Bound::Upper : WaterfallReading::Bound::Lower;
     } else {
         reading.levelDb = LevelScale(levels->minDB, levels->maxDB).decibelsOf(*step);
     }

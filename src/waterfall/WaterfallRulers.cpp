@@ -60,9 +60,9 @@ QString levelText(const WaterfallReading& reading) {
         return kNone;
     QString text = number(*reading.levelDb, 6, 1) + " dB";
     switch (reading.levelBound) {
-    case WaterfallReading::Bound::AtMost:
+    case WaterfallReading::Bound::Upper:
         return "≤ " + text;
-    case WaterfallReading::Bound::AtLeast:
+    case WaterfallReading::Bound::Lower:
         return "≥ " + text;
     case WaterfallReading::Bound::None:
         break;
