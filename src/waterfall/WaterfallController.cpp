@@ -16,6 +16,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QShortcut>
+#include <QTextDocument>
 
 #include <algorithm>
 #include <cmath>
@@ -425,7 +426,7 @@ void WaterfallController::choosePictureFolder() {
 
 void WaterfallController::showPictureFolder() {
     const QString tip = QString("Full pictures are saved to %1").arg(pictureFolder());
-    ui_->pictureFolderButton->setToolTip(tip);
+    ui_->pictureFolderButton->setToolTip(Qt::convertFromPlainText(tip));
     ui_->pictureFolderButton->setAccessibleDescription(tip);
 }
 

@@ -57,7 +57,8 @@ WaterfallReading WaterfallReadout::read(const PicturePoint& point,
         // Frequencies stay what they are; times have to be of one scale.
         if (reading.frequencyHz)
             reading.hertzFromReference = *reading.frequencyHz - reference->frequencyHz;
-        if (hasTimes && times(std::floor(reference->column)) == TimeScale::Current)
+        reading.referenceTimes = times(std::floor(reference->column));
+        if (hasTimes && reading.referenceTimes == TimeScale::Current)
             reading.secondsFromReference =
                 secondsAgo(reference->column) - secondsAgo(point.x + static_cast<double>(scrolled_));
     }
@@ -77,10 +78,10 @@ void WaterfallReadout::readLevel(const PicturePoint& point, WaterfallReading& re
     const bool isCrossed = levels->maxDB < levels->minDB;
     if (*step == 0) {
         reading.levelDb = static_cast<double>(levels->minDB);
-        reading.levelBound = isCrossed ? WaterfallReading::Bound::AtLeast : WaterfallReading::Bound::AtMost;
+        reading.levelBound = isCrossed ? WaterfallReading::Bound::Lower : WaterfallReading::Bound::Upper;
     } else if (*step >= kLastStep) {
         reading.levelDb = static_cast<double>(levels->maxDB);
-        reading.levelBound = isCrossed ? WaterfallReading::Bound::AtMost : WaterfallReading::Bound::AtLeast;
+        reading.levelBound = isCrossed ? WaterfallReading::Bound::Upper : WaterfallReading::Bound::Lower;
     } else {
         reading.levelDb = LevelScale(levels->minDB, levels->maxDB).decibelsOf(*step);
     }

@@ -28,14 +28,15 @@ enum class TimeScale {
 
 /// What is to be read at a point; nothing where it is not defined.
 struct WaterfallReading {
-    enum class Bound { None, AtMost, AtLeast };
+    enum class Bound { None, Upper, Lower };
 
     bool hasOtherRows = false; ///< the frequencies of the column's rows were others
     TimeScale times = TimeScale::Current;
+    TimeScale referenceTimes = TimeScale::Current;
     std::optional<double> frequencyHz;
     std::optional<double> secondsAgo; ///< before the newest column
     std::optional<double> levelDb;    ///< on the display's own scale
-    Bound levelBound = Bound::None;   ///< where the colours end, the level may lie beyond
+    Bound levelBound = Bound::None;   ///< where the colours end, levelDb is only that
     std::optional<double> secondsFromReference;
     std::optional<double> hertzFromReference;
 };

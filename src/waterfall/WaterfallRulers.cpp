@@ -6,6 +6,7 @@
 
 #include <QGridLayout>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -39,9 +40,11 @@ QString number(double value, int width, int decimals) {
     return QString("%1").arg(value, width, 'f', decimals, kFigureSpace);
 }
 
-QString timeText(const std::optional<double>& seconds, const QString& otherwise) {
+QString timeText(const std::optional<double>& seconds, TimeScale scale) {
     if (!seconds)
-        return otherwise;
+        return scale == TimeScale::Other       ? "other scale"
+               : scale == TimeScale::BeforeGap ? "before a gap"
+                                               : kNone;
     const double size = std::abs(*seconds);
     if (size < 1000.0)
         return number(*seconds, 8, 3) + " s";
@@ -57,9 +60,9 @@ QString levelText(const WaterfallReading& reading) {
         return kNone;
     QString text = number(*reading.levelDb, 6, 1) + " dB";
     switch (reading.levelBound) {
-    case WaterfallReading::Bound::AtMost:
+    case WaterfallReading::Bound::Upper:
         return "≤ " + text;
-    case WaterfallReading::Bound::AtLeast:
+    case WaterfallReading::Bound::Lower:
         return "≥ " + text;
     case WaterfallReading::Bound::None:
         break;
@@ -143,23 +146,22 @@ void WaterfallRulers::showReadings(const WaterfallReadout& readout) {
     const auto hertz = [&](const std::optional<double>& value) {
         return value ? number(*value, 8, 1) + " Hz" : reading.hasOtherRows ? QString("other scale") : kNone;
     };
-    const QString noTime = reading.times == TimeScale::Other       ? "other scale"
-                           : reading.times == TimeScale::BeforeGap ? "before a gap"
-                                                                   : kNone;
     const bool lacksReference = probe && !reference_;
-    const QString noDifference = lacksReference ? kNone : noTime;
     around_.readings.show(
         {{"Frequency", hertz(reading.frequencyHz),
           "Frequency under the mouse or the cross-hair. Not told for a column that was painted with other "
           "limits, or at another height of the picture"},
-         {"Time ago", timeText(reading.secondsAgo, noTime),
+         {"Time ago", timeText(reading.secondsAgo, reading.times),
           "How long before the newest column. Not told where the picture stood still since, or sound was "
           "dropped, or columns came at another rate"},
          {"Level", levelText(reading),
           "Level of the colour, with the limits that its column was painted with, in the picture's own "
           "decibels: 6.25 times the natural logarithm of the magnitude. At most and at least where the "
           "colours end"},
-         {"After ref.", timeText(reading.secondsFromReference, noDifference),
+         {"After ref.",
+          lacksReference
+              ? kNone
+              : timeText(reading.secondsFromReference, std::max(reading.times, reading.referenceTimes)),
           "Time after the last right click, which moves with the picture"},
          {"Above ref.", lacksReference ? kNone : hertz(reading.hertzFromReference),
           "Frequency above that of the last right click"}});

@@ -208,8 +208,8 @@ TEST(WaterfallReadout, SaysWhereColoursEndWhateverTheLimitsAreNow) {
         waterfall.parameters.colorWaterfallPlot = floor > ceiling;
         hearTone(waterfall);
         waterfall.setLimits(0.0F, 150.0F);
-        for (const auto& [y, level, bound] : {std::tuple{100.5, 50.0, WaterfallReading::Bound::AtMost},
-                                              {403.5, 80.0, WaterfallReading::Bound::AtLeast}}) {
+        for (const auto& [y, level, bound] : {std::tuple{100.5, 50.0, WaterfallReading::Bound::Upper},
+                                              {403.5, 80.0, WaterfallReading::Bound::Lower}}) {
             const WaterfallReading reading = readAt(waterfall, 799.0, y);
             EXPECT_EQ(reading.levelDb, level) << y;
             EXPECT_EQ(reading.levelBound, bound) << y;
