@@ -1,12 +1,17 @@
-// What the oscilloscope computes for a redraw, both trigger searches and the traces' points, and the taking
-// in of one buffer. Nothing is painted.
+// What the oscilloscope computes for a redraw, both trigger searches and the traces' points, the taking in of
+// one buffer, and the readings of a block. Nothing is painted.
 
+#include "measure/ChannelDelay.h"
+#include "measure/SignalReadings.h"
 #include "scope/ScopeCapture.h"
 #include "scope/ScopeTrace.h"
 
 #include <benchmark/benchmark.h>
 
+#include <array>
+#include <cmath>
 #include <cstdio>
+#include <numbers>
 #include <vector>
 
 namespace sonotrace {
@@ -50,6 +55,40 @@ void searchesAndPoints(benchmark::State& state) {
         state.SkipWithError("the log could not be silenced");
 }
 BENCHMARK(searchesAndPoints)->Arg(0)->Arg(32767)->Unit(benchmark::kMicrosecond);
+
+/// Around one crossing, with a trace of samples (10000) or of points between them (1000).
+void steadyPoints(benchmark::State& state) {
+    ScopeControls controls = longestTraces(0);
+    controls.sweep = static_cast<double>(state.range(0));
+    controls.steady = 1;
+    ScopeCapture capture(controls, [] {});
+    capture.capture(sawtooth());
+    capture.capture(sawtooth());
+    ScopeTrace trace;
+    for (auto _ : state) {
+        trace.build(controls, capture, 1500, 600);
+        benchmark::DoNotOptimize(trace.line(1).data());
+    }
+}
+BENCHMARK(steadyPoints)->Arg(10000)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+/// Of a block of two sines, the second a quarter of a period late.
+void readings(benchmark::State& state) {
+    std::array<std::vector<std::int16_t>, 2> channels;
+    const double step = static_cast<double>(state.range(0)) * 2.0 * std::numbers::pi / 44100.0;
+    for (std::size_t i = 0; i < kScopeSignal; ++i) {
+        const double angle = step * static_cast<double>(i);
+        channels[0].push_back(static_cast<std::int16_t>(20000 * std::sin(angle)));
+        channels[1].push_back(static_cast<std::int16_t>(-20000 * std::cos(angle)));
+    }
+    ChannelDelay delay(kScopeSignal, 44100.0);
+    for (auto _ : state) {
+        for (const auto& channel : channels)
+            benchmark::DoNotOptimize(readSignal(channel, 44100.0));
+        benchmark::DoNotOptimize(delay.read(channels[0], channels[1]));
+    }
+}
+BENCHMARK(readings)->Arg(100)->Arg(1000)->Arg(15000)->Unit(benchmark::kMicrosecond);
 
 } // namespace
 } // namespace sonotrace

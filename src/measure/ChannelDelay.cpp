@@ -26,7 +26,7 @@ constexpr double kLeastEnergy = 0.25; ///< of a channel in the overlapping part
 /// The next even length from `length` on with no prime factor but 2, 3, 5 and 7.
 std::size_t transformLength(std::size_t length) {
     const auto isFast = [](std::size_t n) {
-        for (const std::size_t prime : {2, 3, 5, 7})
+        for (const std::size_t prime : {2U, 3U, 5U, 7U})
             while (n % prime == 0)
                 n /= prime;
         return n == 1;

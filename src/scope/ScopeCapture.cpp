@@ -1,7 +1,6 @@
 #include "scope/ScopeCapture.h"
 
 #include "base/Numbers.h"
-#include "platform/StreamDescription.h"
 
 #include <algorithm>
 #include <utility>
@@ -22,8 +21,11 @@ std::int16_t scaled(std::int16_t sample, double gain) {
 
 ScopeCapture::ScopeCapture(const ScopeControls& controls, std::function<void()> redisplay)
     : controls_(controls), redisplay_(std::move(redisplay)) {
-    for (Channel& channel : channels_)
+    for (Channel& channel : channels_) {
         channel.captured.resize(kCaptureSamples);
+        channel.raw.resize(kScopeSignal);
+        channel.shownRaw.resize(kScopeSignal);
+    }
 }
 
 void ScopeCapture::capture(std::span<const std::int16_t> interleaved) {
@@ -34,6 +36,10 @@ void ScopeCapture::capture(std::span<const std::int16_t> interleaved) {
         std::int16_t* const captured = channels_[ch].captured.data() + captureIndex_;
         for (std::size_t i = 0; i < frames; ++i)
             captured[i] = scaled(interleaved[2 * i + ch], gain);
+        if (captureIndex_ == 0)
+            channels_[ch].scaling.gain = gain;
+        for (std::size_t i = captureIndex_; i < std::min(captureIndex_ + frames, kScopeSignal); ++i)
+            channels_[ch].raw[i] = interleaved[2 * (i - captureIndex_) + ch];
     }
     captureIndex_ += frames;
     if (captureIndex_ >= kScopeBlock)
@@ -43,6 +49,9 @@ void ScopeCapture::capture(std::span<const std::int16_t> interleaved) {
 /// Only the first buffer of a block is shown: the trace starts in it, and what lies behind its end is a flat
 /// line.
 void ScopeCapture::completeBlock(std::size_t frames) {
+    captureIndex_ = 0;
+    if (holds_)
+        return;
     for (std::size_t ch = 0; ch < channels_.size(); ++ch) {
         Channel& channel = channels_[ch];
         const bool invert = controls_.invert[ch];
@@ -50,8 +59,10 @@ void ScopeCapture::completeBlock(std::size_t frames) {
             const std::int16_t sample = channel.captured[i];
             channel.display[i] = invert ? sample : wrapToSample(-sample);
         }
+        std::swap(channel.raw, channel.shownRaw);
+        channel.shownScaling = {channel.scaling.gain, invert};
     }
-    captureIndex_ = 0;
+    ++blocks_;
     redisplay_();
 }
 

@@ -1,10 +1,13 @@
 #include "scope/ScopeController.h"
 
 #include "base/SampleRate.h"
+#include "scope/SteadyTrigger.h"
+#include "scope/TriggerSearch.h"
 #include "ui_ScopeWindow.h"
 #include "widgets/InputHints.h"
 #include "widgets/NumberText.h"
 #include "widgets/RealSlider.h"
+#include "widgets/Ruler.h"
 #include "widgets/TypedValue.h"
 
 #include <cmath>
@@ -20,6 +23,8 @@ constexpr float kNoSweep = 600.0F;
 
 /// What is typed is still the same number of samples, truncated, after it has been kept in single precision.
 constexpr double kSampleMargin = 0.01;
+
+constexpr double kMillisecond = 0.001; // s
 
 /// A slider left at exactly 0 counts as one that was never stored.
 auto storedOr(float fallback) {
@@ -59,9 +64,10 @@ ValueNotation sweepNotation() {
 ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferences& preferences)
     : ToolController(preferences, "SCOPE_WINDOW_FRAME"),
       ui_(std::make_unique<Ui::ScopeWindow>()),
-      capture_(controls_, [this] { ui_->mainView->update(); }) {
+      capture_(controls_, [this] { takeBlock(); }),
+      delay_(kScopeSignal, kSampleRate) {
     ui_->setupUi(&window_);
-    levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->timeStrip});
+    levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->timeStrip, ui_->measureStrip});
     keepRoom({ui_->rangeValue1, ui_->rangeValue2, ui_->offsetValue1, ui_->offsetValue2, ui_->triggerValue1,
               ui_->triggerValue2, ui_->sweepValue, ui_->soundInputVolume2Value});
     showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());
@@ -83,6 +89,7 @@ ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferen
 ScopeController::~ScopeController() = default;
 
 void ScopeController::awakeFromNib() {
+    addRulers();
     ui_->mainView->setModel(controls_, capture_);
     source_->GetSoundDevices();
     source_->SetSoundDevices();
@@ -93,6 +100,12 @@ void ScopeController::awakeFromNib() {
     for (const QCheckBox* box :
          {ui_->polarity1Button, ui_->polarity2Button, ui_->invert1Button, ui_->invert2Button})
         connect(box, &QCheckBox::toggled, this, &ScopeController::takeControls);
+    connect(ui_->steadyPopup, &QComboBox::currentIndexChanged, this, &ScopeController::takeControls);
+    connect(ui_->cursorsButton, &QCheckBox::toggled, this, &ScopeController::showCursors);
+    connect(ui_->holdButton, &QCheckBox::toggled, this, &ScopeController::hold);
+    connect(ui_->singleButton, &QPushButton::toggled, this, &ScopeController::awaitTrigger);
+    // Not from within the painting: the panel may want another height.
+    connect(ui_->mainView, &ScopeView::painted, this, &ScopeController::showReadings, Qt::QueuedConnection);
     listStoredControls();
     stored_.restore();
     source_->startSound();
@@ -131,6 +144,8 @@ void ScopeController::listStoredControls() {
     stored_.add("SCOPE_polarity2Button", *ui_->polarity2Button, isScopeButtonSet);
     stored_.add("SCOPE_invert1Button", *ui_->invert1Button, isScopeButtonSet);
     stored_.add("SCOPE_invert2Button", *ui_->invert2Button, isScopeButtonSet);
+    stored_.add("SCOPE_steadyPopup", *ui_->steadyPopup);
+    stored_.add("SCOPE_cursorsButton", *ui_->cursorsButton, isScopeButtonSet);
     stored_.addVolume("SCOPE_soundInputVolume", *ui_->soundInputVolume2);
 }
 
@@ -144,27 +159,155 @@ void ScopeController::takeControls() {
         controls_.invert[i] = getInvert(ch);
     }
     controls_.sweep = getSweep();
+    controls_.steady = ui_->steadyPopup->currentIndex();
     showValues();
+    if (capture_.holds()) // there will be no next picture to show it
+        ui_->mainView->redisplay();
 }
 
 void ScopeController::addHints(Hints& hints) const {
-    QStringList states;
-    auto urgency = Hint::Urgency::Usual;
-    const std::int32_t length = displayBuflength(controls_.sweep);
-    for (const std::int32_t ch : {0, 1}) {
-        const ScopeFindings& findings = ui_->mainView->findings(ch);
-        QString state = "triggered";
-        if (findings.held)
-            state = ch == 0 ? "held: the level is not crossed"
-                            : "held: the level is not crossed behind channel 1's start";
-        if (findings.signalLength < length)
-            state += QString(", its signal ends after %1 ms")
-                         .arg(findings.signalLength * 1000.0 / kSampleRate, 0, 'f', 1);
-        if (findings.held || findings.signalLength < length)
-            urgency = Hint::Urgency::Progress;
-        states << QString("Channel %1 %2").arg(ch + 1).arg(state);
+    const ScopeTrace& trace = ui_->mainView->trace();
+    const SteadyState steady = trace.steadyState();
+    bool isUsual = steady == SteadyState::Centred;
+    if (steady == SteadyState::Off) {
+        const auto isWhole = [&](std::int32_t ch) {
+            const ScopeFindings& findings = trace.findings(ch);
+            return !findings.held && findings.signalLength >= displayBuflength(controls_.sweep);
+        };
+        isUsual = isWhole(0) && isWhole(1);
     }
-    hints.push_back({urgency, states.join(" · ")});
+    hints.push_back({isUsual ? Hint::Urgency::Usual : Hint::Urgency::Progress,
+                     steady == SteadyState::Off ? searchHint(0) + " · " + searchHint(1) : steadyHint()});
+    if (ui_->singleButton->isChecked())
+        hints.push_back({Hint::Urgency::News, "Single: waiting for a block in which the level is crossed"});
+    else if (capture_.holds())
+        hints.push_back(
+            {Hint::Urgency::News,
+             QString("Held, %1 ago").arg(waitingTime(static_cast<double>(held_.elapsed()) * kMillisecond))});
+}
+
+/// What the search for a channel's trigger has found.
+QString ScopeController::searchHint(std::int32_t ch) const {
+    const ScopeFindings& findings = ui_->mainView->trace().findings(ch);
+    QString state = "triggered";
+    if (findings.held)
+        state = ch == 0 ? "held: the level is not crossed"
+                        : "held: the level is not crossed behind channel 1's start";
+    if (findings.signalLength < displayBuflength(controls_.sweep))
+        state += QString(", its signal ends after %1 ms")
+                     .arg(findings.signalLength * 1000.0 / kSampleRate, 0, 'f', 1);
+    return QString("Channel %1 %2").arg(ch + 1).arg(state);
+}
+
+QString ScopeController::steadyHint() const {
+    const QString channel = QString("channel %1").arg(controls_.steady);
+    switch (ui_->mainView->trace().steadyState()) {
+    case SteadyState::Held:
+        return QString("Held: the level of %1 is not crossed").arg(channel);
+    case SteadyState::Cut:
+        return QString("The only crossings of %1 lie near the block's ends: a shorter time base shows more")
+            .arg(channel);
+    default:
+        return QString("Both channels around a crossing of %1").arg(channel);
+    }
+}
+
+void ScopeController::addRulers() {
+    levelRulers_ = {new Ruler(Ruler::Side::Left, "Level of channel 1", units_[0].unit),
+                    new Ruler(Ruler::Side::Right, "Level of channel 2", units_[1].unit)};
+    timeRuler_ = new Ruler(Ruler::Side::Bottom, "Time", "ms");
+    ui_->plot->addWidget(levelRulers_[0], 0, 0);
+    ui_->plot->addWidget(levelRulers_[1], 0, 2);
+    ui_->plot->addWidget(timeRuler_, 1, 1);
+    ui_->plot->setColumnStretch(1, 1);
+    ui_->plot->setRowStretch(0, 1);
+}
+
+/// Called for each new block.
+void ScopeController::takeBlock() {
+    if (ui_->singleButton->isChecked() && isTriggered()) {
+        ui_->singleButton->setChecked(false);
+        ui_->holdButton->setChecked(true);
+    }
+    ui_->mainView->redisplay();
+}
+
+/// Whether the block has a trigger, of either channel or of the steady one's.
+bool ScopeController::isTriggered() const {
+    for (const std::int32_t ch : {0, 1}) {
+        const auto i = static_cast<std::size_t>(ch);
+        const TriggerCondition condition{controls_.trigger[i], controls_.triggerPolarity[i]};
+        const ScopeSamples samples = capture_.display(ch);
+        if (controls_.steady == ch + 1 &&
+            findSteadyCrossing(samples.first<kScopeSignal>(), condition, 0.0, kScopeSignal - 1.0))
+            return true;
+        if (controls_.steady == 0 &&
+            findTrigger(samples, condition, displayBuflength(controls_.sweep), 0).found)
+            return true;
+    }
+    return false;
+}
+
+/// The view has a place among the controls only while it takes keys.
+void ScopeController::showCursors(bool areShown) {
+    ui_->mainView->setCursorsShown(areShown);
+    if (areShown)
+        QWidget::setTabOrder(ui_->cursorsButton, ui_->mainView);
+}
+
+void ScopeController::hold(bool holds) {
+    capture_.hold(holds);
+    if (holds) {
+        ui_->singleButton->setChecked(false);
+        held_.start();
+    }
+}
+
+void ScopeController::awaitTrigger(bool awaits) {
+    if (awaits)
+        ui_->holdButton->setChecked(false);
+}
+
+/// The picture on the screen has changed. A window that is not seen does not paint, and so does not read.
+void ScopeController::showReadings() {
+    showRulers();
+    const bool hasBlock = capture_.blocks() > 0;
+    if (readBlock_ != capture_.blocks()) {
+        readBlock_ = capture_.blocks();
+        for (const std::int32_t ch : {0, 1})
+            readings_.channels[static_cast<std::size_t>(ch)] = readSignal(capture_.raw(ch), kSampleRate);
+        readings_.delay = delay_.read(capture_.raw(0), capture_.raw(1));
+    }
+    std::vector<Reading> worded = wordedReadings(hasBlock ? &readings_ : nullptr, units_);
+    if (ui_->mainView->areCursorsShown()) {
+        const std::vector<Reading> cursors = wordedCursors({cursor(0), cursor(1)}, units_);
+        worded.insert(worded.end(), cursors.begin(), cursors.end());
+    }
+    ui_->readings->show(std::move(worded));
+}
+
+ScopeCursor ScopeController::cursor(std::size_t index) const {
+    const ScopeView& view = *ui_->mainView;
+    const double x = view.cursorPlace(index);
+    return {view.trace().timeAxis().valueAt(x / view.width()),
+            {view.trace().levelAt(0, x), view.trace().levelAt(1, x)}};
+}
+
+void ScopeController::showRulers() {
+    const ScopeView& view = *ui_->mainView;
+    timeRuler_->setAxis(view.trace().timeAxis());
+    std::vector<RulerMark> marks;
+    for (std::size_t i = 0; view.areCursorsShown() && i < ScopeView::kCursorNames.size(); ++i)
+        marks.push_back({cursor(i).milliseconds, ScopeView::kCursorNames[i], ScopeView::kCursorColours[i]});
+    timeRuler_->setMarks(std::move(marks));
+    for (const std::int32_t ch : {0, 1}) {
+        const auto i = static_cast<std::size_t>(ch);
+        const ScopeLevels levels = visibleLevels(view.trace().scale(ch), view.height());
+        const double perFullScale = units_[i].perFullScale;
+        levelRulers_[i]->setUnit(units_[i].unit);
+        levelRulers_[i]->setAxis({levels.axis.from * perFullScale, levels.axis.to * perFullScale});
+        levelRulers_[i]->setMargins(levels.below, levels.over);
+    }
 }
 
 /// Says beside each slider what its position means.

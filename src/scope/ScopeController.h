@@ -2,9 +2,13 @@
 
 #include "scope/ScopeCapture.h"
 #include "scope/ScopeControls.h"
+#include "scope/ScopeReadings.h"
 #include "widgets/InputSource.h"
 #include "widgets/ToolController.h"
 
+#include <QElapsedTimer>
+
+#include <array>
 #include <memory>
 
 namespace Ui {
@@ -12,6 +16,8 @@ class ScopeWindow;
 }
 
 namespace sonotrace {
+
+class Ruler;
 
 /// The oscilloscope's window: restores and stores its controls, keeps their values for the capture and the
 /// view, and runs the input stream from the moment it is made until the program ends. Window thread.
@@ -45,11 +51,29 @@ private:
     void takeControls();
     void showValues();
     void addHints(Hints& hints) const;
+    QString steadyHint() const;
+    QString searchHint(std::int32_t ch) const;
+    void addRulers();
+    void takeBlock();
+    bool isTriggered() const;
+    void showCursors(bool areShown);
+    void hold(bool holds);
+    void awaitTrigger(bool awaits);
+    void showReadings();
+    void showRulers();
+    ScopeCursor cursor(std::size_t index) const;
 
     const std::unique_ptr<Ui::ScopeWindow> ui_;
     ScopeControls controls_;
     ScopeCapture capture_;
     std::unique_ptr<InputSource> source_;
+    ChannelDelay delay_;
+    ScopeBlockReadings readings_; ///< of the block that is shown, while the window is
+    std::int64_t readBlock_ = 0;  ///< ScopeCapture::blocks() when they were read
+    std::array<LevelUnit, 2> units_;
+    Ruler* timeRuler_ = nullptr;
+    std::array<Ruler*, 2> levelRulers_{};
+    QElapsedTimer held_; ///< since the picture is held
 };
 
 } // namespace sonotrace

@@ -14,6 +14,7 @@ struct ScopeControls {
     std::array<bool, 2> triggerPolarity{}; ///< true: triggers on a falling signal
     std::array<bool, 2> invert{};          ///< true: shown as captured; false: upside down
     double sweep = 10.0;                   ///< samples per trace, see scopeSweep()
+    std::int32_t steady = 0; ///< 1 or 2: both traces are drawn around a crossing of that channel
 };
 
 /// Gain of a range slider, 1 / 10^value. The value counts from -2 to 0, which gives 100 down to 1.

@@ -59,7 +59,7 @@ void ReadingsPanel::measure() {
 QString ReadingsPanel::text() const {
     QStringList lines;
     for (const Reading& reading : readings_)
-        lines << reading.name + u'\t' + reading.value;
+        lines << reading.name + u'\t' + reading.value.simplified(); // without what fills up its width
     return lines.join(u'\n');
 }
 

@@ -1,6 +1,7 @@
 #include "scope/ScopeController.h"
 
 #include "support/ToolWindow.h"
+#include "widgets/ReadingsPanel.h"
 #include "widgets/RealSlider.h"
 
 #include <QImage>
@@ -60,6 +61,55 @@ TEST_F(ScopeWindowTest, TheTracesAreTheSignalTriggeredAndScaled) {
     choose("inputPopup", 0);
     EXPECT_EQ(status(),
               "Channel 1 triggered · Channel 2 held: the level is not crossed behind channel 1's start");
+}
+
+TEST_F(ScopeWindowTest, ReadingsSayWhatIsHeardAndStayWithThePictureThatIsHeld) {
+    preferences_.setDouble("SCOPE_soundInputVolume", 1000);
+    preferences_.setFloat("SCOPE_sweepText", 3.0); // 100 samples
+    preferences_.setFloat("SCOPE_trigger1Text", 20000);
+    preferences_.setFloat("SCOPE_trigger2Text", 20000);
+    Tone tone(system_);
+    tone.bench.set(0, {441, 0, 0.5, 0, 0, 1});
+    tone.bench.set(1, {441, -90, 0, 0.25, 0, 1});
+    open();
+    window_->resize(1000, 800);
+    auto& view = find<QWidget>("mainView");
+    const auto picture = [&view] { return view.grab().toImage(); };
+    const auto readings = [&] {
+        picture();
+        QTest::qWait(1); // they follow the picture
+        return find<ReadingsPanel>("readings").text();
+    };
+    choose("inputPopup", 0);
+    click("singleButton");
+    hear(2);
+    const QString heard = readings();
+    for (const char* reading : {"\nFrequency 1\t441.000 Hz (109)\n", "\nAmbiguous\tby 2.2676 ms\n",
+                                "\nPhase 2 - 1\t-90.02°\n", "\nLevel 2\t-18.06 dBFS\n"})
+        EXPECT_TRUE(heard.contains(reading)) << reading << heard.toStdString();
+    EXPECT_FALSE(find<QAbstractButton>("holdButton").isChecked()); // the levels are too high
+    slide("triggerSlider1", 0);
+    hear(2);
+    EXPECT_TRUE(find<QAbstractButton>("holdButton").isChecked());
+    const QString kept = readings();
+    const QImage held = picture();
+    tone.bench.set(0, {882, 0, 0.5, 0, 0, 1});
+    hear(2);
+    EXPECT_EQ(readings(), kept);
+    EXPECT_EQ(picture(), held);
+    choose("inputPopup", 0);
+    EXPECT_TRUE(status().startsWith("Held, ")) << status().toStdString();
+    click("cursorsButton");
+    EXPECT_NE(picture(), held);
+    click("cursorsButton");
+    EXPECT_EQ(picture(), held);
+    click("cursorsButton");
+    QTest::mouseClick(&view, Qt::LeftButton, {}, {view.width() - 20, 50}); // nearer to B
+    QTest::keyClick(&view, Qt::Key_End);
+    const QString ends = readings();
+    for (const double end : {0.25, 1.0 - 1.0 / view.width()})
+        EXPECT_TRUE(ends.contains(QString("\t%1 ms\n").arg(100 / 44.1 * end, 0, 'f', 4)))
+            << ends.toStdString();
 }
 
 } // namespace

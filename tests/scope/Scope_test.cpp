@@ -5,14 +5,16 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <numbers>
 #include <vector>
 
 namespace sonotrace {
 namespace {
 
 const double kNan = std::nan("");
+constexpr double kPi = std::numbers::pi;
 
-using Signal = std::function<int(int)>;
+using Signal = std::function<double(int)>;
 
 int sawtooth(int i) {
     return i < 11025 ? i * 37 % 2000 - 1000 : 0;
@@ -75,6 +77,25 @@ TEST(ScopeCapture, ABlockIsTheFirstOfTwoBuffersScaledAndNegatedUnlessInverted) {
     }
 }
 
+TEST(ScopeCapture, KeepsWhatCameAndHowItIsShownAndHolds) {
+    Scope scope;
+    scope.controls.range = {10, 1};
+    scope.controls.invert = {true, false};
+    scope.show(constant(4000), constant(-32768));
+    EXPECT_EQ(scope.capture.raw(0)[11024], 4000);
+    EXPECT_EQ(scope.capture.raw(1)[0], -32768);
+    scope.draw();
+    EXPECT_NEAR(scope.trace.scale(0).levelAt(525 + 0.005 * 10 * 4000), 4000 / 32768.0, 1e-12);
+    EXPECT_NEAR(scope.trace.scale(1).levelAt(175 + 0.005 * 4000), -4000 / 32768.0, 1e-12);
+    const ScopeLevels levels = visibleLevels({.baseLine = 10, .rise = -20, .most = 1}, 25);
+    EXPECT_EQ(levels.axis, (Axis{0.5, -0.75}));
+    EXPECT_EQ(std::pair(levels.below, levels.over), std::pair(0.0, 0.0));
+    scope.capture.hold(true);
+    scope.show(constant(1), constant(1));
+    EXPECT_EQ(std::tuple(scope.blocks, scope.capture.blocks(), scope.capture.raw(0)[0]),
+              std::tuple(1, std::int64_t{1}, std::int16_t{4000}));
+}
+
 // Worked out by hand for the steps, and sample by sample by another program for the sawtooth.
 TEST(TriggerSearch, FindsTheCrossingBehindTheOtherSideOfTheLevel) {
     const struct {
@@ -131,15 +152,64 @@ TEST(ScopeTrace, LinesRunFromTheTriggerAndAChannelWithoutOneKeepsItsLastBlock) {
     EXPECT_EQ(scope.trace.findings(1).signalLength, 2996);
 }
 
+TEST(SteadyTrigger, KeepsTonesWhereTheyAreAndThePhaseBetweenTheChannels) {
+    for (const double frequency : {100.0, 1000.0, 7000.0, 15000.0}) {
+        for (const bool falling : {false, true}) {
+            Scope scope;
+            scope.controls.sweep = frequency > 500 ? 63 : 6300;
+            scope.controls.steady = 2;
+            scope.controls.trigger[1] = 6000;
+            scope.controls.triggerPolarity[1] = falling;
+            for (int block = 0; block < 9; ++block) {
+                // The third harmonic passes the level more than once in each period.
+                const auto angle = [=](int i) { return (i + 0.37 * block) * frequency * 2 * kPi / 44100; };
+                const auto tone = [=](int i) { return 12000 * std::sin(angle(i)); };
+                const auto wave = [=](int i) {
+                    return tone(i) + (frequency < 5000 ? 12000 * std::sin(3 * angle(i) + 1) : 0.0);
+                };
+                scope.show(tone, wave);
+                scope.draw();
+                EXPECT_EQ(scope.trace.steadyState(), SteadyState::Centred);
+                EXPECT_EQ(scope.trace.timeAxis().placeOf(0), 0.5);
+                EXPECT_NEAR(scope.trace.levelAt(1, 500).value(), 6000 / 32768.0, 0.003) << frequency;
+                static double first[2];
+                for (const std::int32_t ch : {0, 1}) {
+                    const double level = scope.trace.levelAt(ch, 700.0).value();
+                    first[ch] = block == 0 ? level : first[ch];
+                    EXPECT_NEAR(level, first[ch], 0.005) << frequency << " " << block;
+                }
+            }
+        }
+    }
+}
+
+TEST(SteadyTrigger, SaysWhereTheViewIsPartlyEmptyAndKeepsWhatItHad) {
+    Scope scope;
+    scope.controls.sweep = 1000;
+    scope.controls.steady = 1;
+    scope.show(step(20), constant(100));
+    EXPECT_EQ(scope.draw(), "");
+    EXPECT_EQ(scope.trace.steadyState(), SteadyState::Cut);
+    EXPECT_FALSE(scope.trace.levelAt(1, 479).has_value());
+    EXPECT_EQ(scope.trace.levelAt(1, 482), 100 / 32768.0);
+    scope.show(constant(100), constant(200));
+    scope.draw();
+    EXPECT_EQ(scope.trace.steadyState(), SteadyState::Held);
+    EXPECT_EQ(scope.trace.levelAt(1, 482), 100 / 32768.0);
+}
+
 TEST(ScopeTrace, HostileValuesNeverReachThePainter) {
     Scope scope;
     scope.show(sawtooth, constant(0));
     for (const double value : {0.0, 1.0, -1.0, 1e300, -1e300, 2147483648.0, HUGE_VAL, -HUGE_VAL, kNan}) {
         for (const double sweep : {value, 10.0}) {
-            scope.controls = {.offset = {value, 0}, .trigger = {value, 0}, .sweep = sweep};
-            scope.draw();
-            for (const PlotPoint& point : scope.trace.line(0))
-                ASSERT_LT(std::abs(point.x) + std::abs(point.y), 1e7) << value;
+            for (const std::int32_t steady : {0, 1}) {
+                scope.controls = {
+                    .offset = {value, 0}, .trigger = {value, 0}, .sweep = sweep, .steady = steady};
+                scope.draw();
+                for (const PlotPoint& point : scope.trace.line(0))
+                    ASSERT_LT(std::abs(point.x) + std::abs(point.y), 1e7) << value;
+            }
         }
     }
 }

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "measure/ChannelDelay.h"
+#include "measure/SignalReadings.h"
+#include "widgets/ReadingsPanel.h"
+
+#include <array>
+#include <optional>
+#include <vector>
+
+namespace sonotrace {
+
+/// What the levels of a channel are worded in.
+struct LevelUnit {
+    double perFullScale = 100.0;
+    QString unit = "%";
+    int decimals = 3;
+
+    /// Of a level whose full scale is 1.
+    QString text(double fullScales) const;
+};
+
+/// What is measured of a block.
+struct ScopeBlockReadings {
+    std::array<SignalReadings, 2> channels;
+    std::optional<DelayReading> delay;
+};
+
+/// Where a cursor stands.
+struct ScopeCursor {
+    double milliseconds = 0;                     ///< on the time ruler
+    std::array<std::optional<double>, 2> levels; ///< of both channels there, in full scales
+};
+
+/// Words the readings of a block, always as many. Nothing has been captured yet where `block` is null.
+std::vector<Reading> wordedReadings(const ScopeBlockReadings* block, const std::array<LevelUnit, 2>& units);
+
+/// Words what lies between two cursors.
+std::vector<Reading> wordedCursors(const std::array<ScopeCursor, 2>& cursors,
+                                   const std::array<LevelUnit, 2>& units);
+
+} // namespace sonotrace
