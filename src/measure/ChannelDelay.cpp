@@ -45,7 +45,8 @@ struct ChannelDelay::Transform {
     explicit Transform(std::size_t n)
         : length(n),
           time(fftw_alloc_real(n)),
-          frequency(reinterpret_cast<Complex*>(fftw_alloc_complex(n / 2 + 1))) {
+          frequency(reinterpret_cast<Complex*>(fftw_alloc_complex(n / 2 + 1))),
+          kept(n / 2 + 1) {
         if (time == nullptr || frequency == nullptr)
             throw std::bad_alloc();
         auto* const bins = reinterpret_cast<fftw_complex*>(frequency);
@@ -63,15 +64,15 @@ struct ChannelDelay::Transform {
     Transform(const Transform&) = delete;
     Transform& operator=(const Transform&) = delete;
 
-    std::vector<Complex> spectrum(const std::vector<double>& samples) {
+    void transform(const std::vector<double>& samples) {
         std::fill(std::ranges::copy(samples, time).out, time + length, 0.0);
         fftw_execute(forward);
-        return {frequency, frequency + length / 2 + 1};
     }
 
     const std::size_t length;
     double* const time;
     Complex* const frequency;
+    std::vector<Complex> kept;
     fftw_plan forward = nullptr;
     fftw_plan backward = nullptr;
 };
@@ -113,10 +114,12 @@ ChannelDelay::ChannelDelay(std::size_t block, double sampleRate)
 ChannelDelay::~ChannelDelay() = default;
 
 void ChannelDelay::correlate(const Channel& first, const Channel& second) {
-    const auto one = transform_->spectrum(first.samples);
-    const auto two = transform_->spectrum(second.samples);
-    for (std::size_t i = 0; i < one.size(); ++i)
-        transform_->frequency[i] = std::conj(one[i]) * two[i];
+    const std::span frequency(transform_->frequency, transform_->length / 2 + 1);
+    transform_->transform(first.samples);
+    std::ranges::copy(frequency, transform_->kept.begin());
+    transform_->transform(second.samples);
+    for (std::size_t i = 0; i < frequency.size(); ++i)
+        frequency[i] *= std::conj(transform_->kept[i]);
     fftw_execute(transform_->backward);
     const auto length = static_cast<double>(transform_->length);
     for (std::ptrdiff_t lag = -mostLag_; lag <= mostLag_; ++lag) {
