@@ -70,7 +70,7 @@ private:
     ChannelDelay delay_;
     ScopeBlockReadings readings_; ///< of the block that is shown, while the window is
     std::int64_t readBlock_ = 0;  ///< ScopeCapture::blocks() when they were read
-    std::array<ShownUnit, 2> units_;
+    std::array<LevelUnit, 2> units_;
     Ruler* timeRuler_ = nullptr;
     std::array<Ruler*, 2> levelRulers_{};
     QElapsedTimer held_; ///< since the picture is held

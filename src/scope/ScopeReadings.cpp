@@ -30,7 +30,7 @@ QString levelInDecibels(double rms) {
     return padded(20.0 * std::log10(rms * std::numbers::sqrt2 / kFullScale), 2, 4) + " dBFS";
 }
 
-std::vector<Reading> wordedChannel(const SignalReadings* read, int number, const ShownUnit& unit) {
+std::vector<Reading> wordedChannel(const SignalReadings* read, int number, const LevelUnit& unit) {
     const auto name = [number](const char* of) { return QString("%1 %2").arg(of).arg(number); };
     const auto level = [&](double value) { return read ? unit.text(value / kFullScale) : kNone; };
     const SignalReadings none;
@@ -90,11 +90,11 @@ std::vector<Reading> wordedDelay(const ScopeBlockReadings* block) {
 
 } // namespace
 
-QString ShownUnit::text(double fullScales) const {
+QString LevelUnit::text(double fullScales) const {
     return padded(fullScales * perFullScale, decimals, 4) + u' ' + unit;
 }
 
-std::vector<Reading> wordedReadings(const ScopeBlockReadings* block, const std::array<ShownUnit, 2>& units) {
+std::vector<Reading> wordedReadings(const ScopeBlockReadings* block, const std::array<LevelUnit, 2>& units) {
     const auto first = wordedChannel(block ? &block->channels[0] : nullptr, 1, units[0]);
     const auto second = wordedChannel(block ? &block->channels[1] : nullptr, 2, units[1]);
     std::vector<Reading> all;
@@ -108,7 +108,7 @@ std::vector<Reading> wordedReadings(const ScopeBlockReadings* block, const std::
 }
 
 std::vector<Reading> wordedCursors(const std::array<ScopeCursor, 2>& cursors,
-                                   const std::array<ShownUnit, 2>& units) {
+                                   const std::array<LevelUnit, 2>& units) {
     const double apart = cursors[1].milliseconds - cursors[0].milliseconds;
     std::vector<Reading> all = {
         {"Cursor A", padded(cursors[0].milliseconds, 4, 4) + " ms", "On the time ruler"},

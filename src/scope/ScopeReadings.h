@@ -11,7 +11,7 @@
 namespace sonotrace {
 
 /// What the levels of a channel are worded in.
-struct ShownUnit {
+struct LevelUnit {
     double perFullScale = 100.0;
     QString unit = "%";
     int decimals = 3;
@@ -33,10 +33,10 @@ struct ScopeCursor {
 };
 
 /// Words the readings of a block, always as many. Nothing has been captured yet where `block` is null.
-std::vector<Reading> wordedReadings(const ScopeBlockReadings* block, const std::array<ShownUnit, 2>& units);
+std::vector<Reading> wordedReadings(const ScopeBlockReadings* block, const std::array<LevelUnit, 2>& units);
 
 /// Words what lies between two cursors.
 std::vector<Reading> wordedCursors(const std::array<ScopeCursor, 2>& cursors,
-                                   const std::array<ShownUnit, 2>& units);
+                                   const std::array<LevelUnit, 2>& units);
 
 } // namespace sonotrace
