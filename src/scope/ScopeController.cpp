@@ -84,6 +84,7 @@ ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferen
         InputControls{ui_->inputPopup, ui_->soundInputVolume2, ui_->inputStatus},
         [this](std::span<const std::int16_t> interleaved) { capture_.capture(interleaved); });
     source_->setHints([this](Hints& hints) { addHints(hints); });
+    connect(source_.get(), &InputSource::calibrationChanged, this, &ScopeController::showReadings);
 }
 
 ScopeController::~ScopeController() = default;
@@ -213,8 +214,8 @@ QString ScopeController::steadyHint() const {
 }
 
 void ScopeController::addRulers() {
-    levelRulers_ = {new Ruler(Ruler::Side::Left, "Level of channel 1", units_[0].unit),
-                    new Ruler(Ruler::Side::Right, "Level of channel 2", units_[1].unit)};
+    levelRulers_ = {new Ruler(Ruler::Side::Left, "Level of channel 1", "%"),
+                    new Ruler(Ruler::Side::Right, "Level of channel 2", "%")};
     timeRuler_ = new Ruler(Ruler::Side::Bottom, "Time", "ms");
     ui_->plot->addWidget(levelRulers_[0], 0, 0);
     ui_->plot->addWidget(levelRulers_[1], 0, 2);
@@ -278,9 +279,9 @@ void ScopeController::showReadings() {
             readings_.channels[static_cast<std::size_t>(ch)] = readSignal(capture_.raw(ch), kSampleRate);
         readings_.delay = delay_.read(capture_.raw(0), capture_.raw(1));
     }
-    std::vector<Reading> worded = wordedReadings(hasBlock ? &readings_ : nullptr, units_);
+    std::vector<Reading> worded = wordedReadings(hasBlock ? &readings_ : nullptr, source_->calibration());
     if (ui_->mainView->areCursorsShown()) {
-        const std::vector<Reading> cursors = wordedCursors({cursor(0), cursor(1)}, units_);
+        const std::vector<Reading> cursors = wordedCursors({cursor(0), cursor(1)}, source_->calibration());
         worded.insert(worded.end(), cursors.begin(), cursors.end());
     }
     ui_->readings->show(std::move(worded));
@@ -300,11 +301,14 @@ void ScopeController::showRulers() {
     for (std::size_t i = 0; view.areCursorsShown() && i < ScopeView::kCursorNames.size(); ++i)
         marks.push_back({cursor(i).milliseconds, ScopeView::kCursorNames[i], ScopeView::kCursorColours[i]});
     timeRuler_->setMarks(std::move(marks));
+    const std::string_view unit = unitName(linearUnit(source_->calibration().unit));
+    const auto fullScale = instantaneousValue(source_->calibration(), 1.0);
     for (const std::int32_t ch : {0, 1}) {
         const auto i = static_cast<std::size_t>(ch);
         const ScopeLevels levels = visibleLevels(view.trace().scale(ch), view.height());
-        const double perFullScale = units_[i].perFullScale;
-        levelRulers_[i]->setUnit(units_[i].unit);
+        const double perFullScale = fullScale.value_or(100.0);
+        levelRulers_[i]->setUnit(
+            fullScale ? QString::fromLatin1(unit.data(), static_cast<qsizetype>(unit.size())) : "%");
         levelRulers_[i]->setAxis({levels.axis.from * perFullScale, levels.axis.to * perFullScale});
         levelRulers_[i]->setMargins(levels.below, levels.over);
     }

@@ -33,6 +33,7 @@ public:
     void awakeFromNib();
 
     void refreshDevices() override { source_->refreshDevices(); }
+    void setCalibrations(Calibrations& calibrations) override { source_->setCalibrations(calibrations); }
 
     const ScopeControls& controls() const { return controls_; }
     const ScopeCapture& capture() const { return capture_; }
@@ -70,7 +71,6 @@ private:
     ChannelDelay delay_;
     ScopeBlockReadings readings_; ///< of the block that is shown, while the window is
     std::int64_t readBlock_ = 0;  ///< ScopeCapture::blocks() when they were read
-    std::array<LevelUnit, 2> units_;
     Ruler* timeRuler_ = nullptr;
     std::array<Ruler*, 2> levelRulers_{};
     QElapsedTimer held_; ///< since the picture is held

@@ -1,5 +1,7 @@
 #include "scope/ScopeReadings.h"
 
+#include "widgets/LevelText.h"
+
 #include <cmath>
 #include <numbers>
 
@@ -24,15 +26,17 @@ QString frequencyText(const SignalReadings& read) {
     return kNone + (read.peakToPeak() > 0.0 ? " no period" : " no signal");
 }
 
-QString levelInDecibels(double rms) {
+QString levelOf(double rms, const Calibration& calibration) {
     if (rms <= 0.0)
         return kNone + " no signal";
-    return padded(20.0 * std::log10(rms * std::numbers::sqrt2 / kFullScale), 2, 4) + " dBFS";
+    return levelText(calibration, 20.0 * std::log10(rms * std::numbers::sqrt2 / kFullScale));
 }
 
-std::vector<Reading> wordedChannel(const SignalReadings* read, int number, const LevelUnit& unit) {
+std::vector<Reading> wordedChannel(const SignalReadings* read, int number, const Calibration& calibration) {
     const auto name = [number](const char* of) { return QString("%1 %2").arg(of).arg(number); };
-    const auto level = [&](double value) { return read ? unit.text(value / kFullScale) : kNone; };
+    const auto level = [&](double value) {
+        return read ? instantaneousText(calibration, value / kFullScale) : kNone;
+    };
     const SignalReadings none;
     const SignalReadings& of = read ? *read : none;
     const PeriodReading period = of.period.value_or(PeriodReading());
@@ -45,8 +49,8 @@ std::vector<Reading> wordedChannel(const SignalReadings* read, int number, const
         {name("Minimum"), level(of.minimum), "Lowest captured sample of the block, before range and invert"},
         {name("DC"), level(of.mean), "Mean of all samples of the block"},
         {name("RMS"), level(of.rms), "Root mean square of all samples of the block, DC included"},
-        {name("Level"), read ? levelInDecibels(of.rms) : kNone,
-         "The RMS in dBFS: 0 is that of a sine of full scale"},
+        {name("Level"), read ? levelOf(of.rms, calibration) : kNone,
+         "The RMS as a level: 0 dBFS is that of a sine of full scale"},
         {name("Frequency"), read ? frequencyText(of) : kNone,
          "Whole periods, as many as the brackets say, by the time from the first rise through the middle of "
          "the extremes to the last; for a sine within 0.004 %. " +
@@ -90,13 +94,9 @@ std::vector<Reading> wordedDelay(const ScopeBlockReadings* block) {
 
 } // namespace
 
-QString LevelUnit::text(double fullScales) const {
-    return padded(fullScales * perFullScale, decimals, 4) + u' ' + unit;
-}
-
-std::vector<Reading> wordedReadings(const ScopeBlockReadings* block, const std::array<LevelUnit, 2>& units) {
-    const auto first = wordedChannel(block ? &block->channels[0] : nullptr, 1, units[0]);
-    const auto second = wordedChannel(block ? &block->channels[1] : nullptr, 2, units[1]);
+std::vector<Reading> wordedReadings(const ScopeBlockReadings* block, const Calibration& calibration) {
+    const auto first = wordedChannel(block ? &block->channels[0] : nullptr, 1, calibration);
+    const auto second = wordedChannel(block ? &block->channels[1] : nullptr, 2, calibration);
     std::vector<Reading> all;
     for (std::size_t i = 0; i < first.size(); ++i) { // side by side
         all.push_back(first[i]);
@@ -108,7 +108,7 @@ std::vector<Reading> wordedReadings(const ScopeBlockReadings* block, const std::
 }
 
 std::vector<Reading> wordedCursors(const std::array<ScopeCursor, 2>& cursors,
-                                   const std::array<LevelUnit, 2>& units) {
+                                   const Calibration& calibration) {
     const double apart = cursors[1].milliseconds - cursors[0].milliseconds;
     std::vector<Reading> all = {
         {"Cursor A", padded(cursors[0].milliseconds, 4, 4) + " ms", "On the time ruler"},
@@ -122,7 +122,8 @@ std::vector<Reading> wordedCursors(const std::array<ScopeCursor, 2>& cursors,
         const auto& a = cursors[0].levels[i];
         const auto& b = cursors[1].levels[i];
         const auto add = [&](const char* name, const std::optional<double>& level, const char* tip) {
-            all.push_back({QString(name).arg(ch + 1), level ? units[i].text(*level) : kNone, tip});
+            all.push_back(
+                {QString(name).arg(ch + 1), level ? instantaneousText(calibration, *level) : kNone, tip});
         };
         add("A on %1", a, "Level of the trace at cursor A");
         add("B on %1", b, "Level of the trace at cursor B");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "measure/Calibration.h"
 #include "measure/ChannelDelay.h"
 #include "measure/SignalReadings.h"
 #include "widgets/ReadingsPanel.h"
@@ -9,16 +10,6 @@
 #include <vector>
 
 namespace sonotrace {
-
-/// What the levels of a channel are worded in.
-struct LevelUnit {
-    double perFullScale = 100.0;
-    QString unit = "%";
-    int decimals = 3;
-
-    /// Of a level whose full scale is 1.
-    QString text(double fullScales) const;
-};
 
 /// What is measured of a block.
 struct ScopeBlockReadings {
@@ -32,11 +23,11 @@ struct ScopeCursor {
     std::array<std::optional<double>, 2> levels; ///< of both channels there, in full scales
 };
 
-/// Words the readings of a block, always as many. Nothing has been captured yet where `block` is null.
-std::vector<Reading> wordedReadings(const ScopeBlockReadings* block, const std::array<LevelUnit, 2>& units);
+/// Words the readings of a block, always as many, in what the device is calibrated in. Nothing has been
+/// captured yet where `block` is null.
+std::vector<Reading> wordedReadings(const ScopeBlockReadings* block, const Calibration& calibration);
 
 /// Words what lies between two cursors.
-std::vector<Reading> wordedCursors(const std::array<ScopeCursor, 2>& cursors,
-                                   const std::array<LevelUnit, 2>& units);
+std::vector<Reading> wordedCursors(const std::array<ScopeCursor, 2>& cursors, const Calibration& calibration);
 
 } // namespace sonotrace

@@ -204,7 +204,7 @@ TEST_F(WaterfallWindowTest, FullPicturesOfSlowColumnsAreSavedUnderNamesOfTheirOw
     EXPECT_EQ(controller_->parameters().slowSamples(), 0.0);
     answerFilePanel(folder_.path());
     click("pictureFolderButton");
-    EXPECT_EQ(preferences_.folder("WATERFALL_pictureFolder"), folder_.path());
+    EXPECT_EQ(preferences_.path("WATERFALL_pictureFolder"), folder_.path());
 }
 
 } // namespace
