@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QHelpEvent>
 #include <QPainter>
+#include <QResizeEvent>
 #include <QStringList>
 #include <QStyle>
 #include <QStyleOptionFocusRect>
@@ -23,9 +24,7 @@ constexpr int kColumnGap = 24; // and from there to the next name
 } // namespace
 
 ReadingsPanel::ReadingsPanel(QWidget* parent) : QWidget(parent) {
-    QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    policy.setHeightForWidth(true);
-    setSizePolicy(policy);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     setFocusPolicy(Qt::TabFocus);
     setContextMenuPolicy(Qt::ActionsContextMenu);
     auto* const action = new QAction("&Copy Readings", this);
@@ -72,14 +71,20 @@ int ReadingsPanel::columns(int width) const {
     return std::max(1, (width + kColumnGap) / column);
 }
 
-int ReadingsPanel::heightForWidth(int width) const {
+int ReadingsPanel::rows(int width) const {
     const int perRow = columns(width);
-    const int rows = (static_cast<int>(readings_.size()) + perRow - 1) / perRow;
-    return rows * fontMetrics().lineSpacing();
+    return (static_cast<int>(readings_.size()) + perRow - 1) / perRow;
+}
+
+/// Not by the layouts' height for width: they do not let a window grow for it, and squeeze what else is in
+/// it.
+void ReadingsPanel::resizeEvent(QResizeEvent* event) {
+    if (rows(event->oldSize().width()) != rows(width()))
+        updateGeometry();
 }
 
 QSize ReadingsPanel::sizeHint() const {
-    return {0, heightForWidth(std::max(width(), 1))};
+    return {0, rows(width()) * fontMetrics().lineSpacing()};
 }
 
 QSize ReadingsPanel::minimumSizeHint() const {

@@ -30,18 +30,18 @@ public:
     /// All of them, a line each: name, tabulator, value.
     QString text() const;
 
-    bool hasHeightForWidth() const override { return true; }
-    int heightForWidth(int width) const override;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
 protected:
     bool event(QEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
     int columns(int width) const;
+    int rows(int width) const;
     void measure();
     void copy() const;
 
