@@ -273,6 +273,10 @@ void SpectrumReader::readNoise(SpectrumReadings& readings, const SpectrumQuestio
         return;
     const double fundamental = std::pow(10.0, *readings.fundamental->levelDbfs / 10.0);
     readings.snrDb = decibels(fundamental / *noise);
+    if (fundamental < *noise) { // a sweep or noise, and no tone that anything could be the distortion of
+        readings.thdDb.reset();
+        return;
+    }
     if (readings.thdDb) {
         const double perBin = *noise / lastBin();
         const double bandwidth = 2.0 * lastBin() * windowSquares_ / (windowSum_ * windowSum_); // of a bin

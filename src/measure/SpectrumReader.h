@@ -45,7 +45,8 @@ struct SpectrumReadings {
     std::optional<SpectrumTone> peak;                              ///< the strongest tone
     std::optional<SpectrumTone> fundamental;                       ///< the same, or the one asked for
     std::array<std::optional<SpectrumTone>, kHarmonics> harmonics; ///< none at 22050 Hz and above
-    std::optional<double> thdDb;                                   ///< harmonics 2 to 10 to the fundamental
+    /// Harmonics 2 to 10 to the fundamental. This and the next but SNR: none of what is mostly noise.
+    std::optional<double> thdDb;
     std::optional<double> thdNoiseDb;     ///< what noise alone adds to that: nearer, it is noise that is read
     std::optional<double> thdPlusNoiseDb; ///< harmonics and noise to the fundamental, 0 to 22050 Hz
     std::optional<double> snrDb;          ///< fundamental to noise without the harmonics, 0 to 22050 Hz

@@ -108,8 +108,9 @@ QString SpectrumMeasuring::level(const std::optional<double>& levelDbfs) const {
 QString SpectrumMeasuring::toneText(const std::optional<SpectrumTone>& tone) const {
     if (!tone)
         return kNothing;
-    return hertz(tone->frequencyHz) + "  " +
-           (tone->levelDbfs ? levelText_(*tone->levelDbfs) : QString("averaged away"));
+    if (!tone->levelDbfs && analysis_.summedBlocks() > 1)
+        return hertz(tone->frequencyHz) + "  averaged away";
+    return hertz(tone->frequencyHz) + "  " + level(tone->levelDbfs);
 }
 
 void SpectrumMeasuring::showReadings() {

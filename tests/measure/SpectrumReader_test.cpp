@@ -144,6 +144,8 @@ TEST(SpectrumReader, AllowsForAveragedSamplesAndTheMicrophone) {
 }
 
 TEST(SpectrumReader, SaysNothingAboutNothing) {
+    const SpectrumReadings noise = readerOf(signal(4096, {}, -20), 1).read({});
+    EXPECT_TRUE(noise.snrDb && !noise.thdDb && !noise.thdPlusNoiseDb && !noise.sinadDb);
     SpectrumReader reader;
     EXPECT_FALSE(reader.read({}).peak);
     EXPECT_FALSE(reader.toneBetween(0, 100, {}));
