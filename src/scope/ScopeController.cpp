@@ -91,6 +91,7 @@ ScopeController::~ScopeController() = default;
 
 void ScopeController::awakeFromNib() {
     addRulers();
+    ui_->readings->setGroup(2); // the channels
     ui_->mainView->setModel(controls_, capture_);
     source_->GetSoundDevices();
     source_->SetSoundDevices();

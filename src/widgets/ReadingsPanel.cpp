@@ -68,7 +68,8 @@ void ReadingsPanel::copy() const {
 
 int ReadingsPanel::columns(int width) const {
     const int column = nameWidth_ + kNameGap + valueWidth_ + kColumnGap;
-    return std::max(1, (width + kColumnGap) / column);
+    const int fitting = std::max(1, (width + kColumnGap) / column);
+    return fitting > group_ ? fitting - fitting % group_ : fitting;
 }
 
 int ReadingsPanel::rows(int width) const {

@@ -27,6 +27,9 @@ public:
     void show(std::vector<Reading> readings);
     using QWidget::show;
 
+    /// How many readings belong side by side: columns are a multiple of that, where there is room. 1 at first.
+    void setGroup(int readings) { group_ = readings; }
+
     /// All of them, a line each: name, tabulator, value.
     QString text() const;
 
@@ -46,6 +49,7 @@ private:
     void copy() const;
 
     std::vector<Reading> readings_;
+    int group_ = 1;
     int nameWidth_ = 0; ///< of the widest; they never shrink, so that columns stay where they are
     int valueWidth_ = 0;
 };
