@@ -56,7 +56,7 @@ QString levelText(const Calibration& calibration, double levelDbfs) {
 QString instantaneousText(const Calibration& calibration, double part) {
     const auto value = instantaneousValue(calibration, part);
     return value ? withPrefix(*value, linearUnit(calibration.unit))
-                 : QString::number(part * 100.0, 'f', 2) + " %";
+                 : QString::number(std::round(part * 1e4) / 100.0 + 0.0, 'f', 2) + " %"; // no -0.00
 }
 
 std::optional<double> levelFromText(const Calibration& calibration, const QString& text) {

@@ -69,7 +69,7 @@ void ReadingsPanel::copy() const {
 int ReadingsPanel::columns(int width) const {
     const int column = nameWidth_ + kNameGap + valueWidth_ + kColumnGap;
     const int fitting = std::max(1, (width + kColumnGap) / column);
-    return fitting > group_ ? fitting - fitting % group_ : fitting;
+    return fitting >= 2 * group_ ? fitting - fitting % group_ : fitting;
 }
 
 int ReadingsPanel::rows(int width) const {

@@ -27,7 +27,8 @@ public:
     void show(std::vector<Reading> readings);
     using QWidget::show;
 
-    /// How many readings belong side by side: columns are a multiple of that, where there is room. 1 at first.
+    /// How many readings belong side by side: columns are a multiple of that, where two of them fit. 1 at
+    /// first.
     void setGroup(int readings) { group_ = readings; }
 
     /// All of them, a line each: name, tabulator, value.
