@@ -41,7 +41,7 @@ std::vector<double> noise(unsigned seed) {
 }
 
 Signal from(std::vector<double> samples, double gain = 1.0) {
-    return [=](double i) { return gain * samples[static_cast<std::size_t>(i) + 20000]; };
+    return [=](double i) { return gain * samples[static_cast<std::size_t>(i + 20000)]; };
 }
 
 /// The response of a low-pass of first order to what is constant between samples.
