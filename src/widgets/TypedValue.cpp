@@ -59,15 +59,18 @@ private:
     /// A text that is as it was does not round the value to what it says.
     void close(const QString& text) {
         disconnect(this, &QLineEdit::editingFinished, nullptr, nullptr);
-        const auto value = text == shown_ ? std::nullopt : notation_.read(text);
         if (hasFocus())
             slider_.setFocus();
         deleteLater();
         hide();
-        if (!value)
+        if (text == shown_)
             return;
-        slider_.enterValue(*value);
-        if (*value > slider_.maximumValue())
+        const std::optional<double> read = notation_.read(text);
+        if (!read)
+            return;
+        const double value = *read;
+        slider_.enterValue(value);
+        if (value > slider_.maximumValue())
             QToolTip::showText(slider_.mapToGlobal(slider_.rect().bottomLeft()),
                                QString("%1 is more than there is: set to %2")
                                    .arg(text, notation_.write(slider_.doubleValue())),
