@@ -50,10 +50,15 @@ void WaterfallAnalysis::take(std::span<const std::int16_t> interleaved) {
         drop(ring_.available());
         abandonPass();
     }
+    const ChannelFold channel = parameters_.channel.load(std::memory_order_relaxed);
+    if (std::exchange(channel_, channel) != channel) { // what waits is of the other one
+        abandonPass();
+        image_.markGap();
+    }
     if (isBehind())
         drop(samples);
     else
-        ring_.fold(interleaved, parameters_.channel.load(std::memory_order_relaxed));
+        ring_.fold(interleaved, channel);
 }
 
 void WaterfallAnalysis::drop(std::int32_t samples) {
@@ -155,7 +160,7 @@ void WaterfallAnalysis::gather(std::int32_t length, std::int32_t samples) {
 ColumnSource WaterfallAnalysis::source(double samples) const {
     return {.samples = samples,
             .window = parameters_.waterfallWindowType.load(std::memory_order_relaxed),
-            .channel = parameters_.channel.load(std::memory_order_relaxed),
+            .channel = channel_,
             .merge = -1};
 }
 

@@ -93,6 +93,7 @@ private:
     WaterfallImage& image_;
     const Clock clock_;
     SampleRing ring_;
+    ChannelFold channel_ = ChannelFold::Sum; ///< of what is in the ring
     WaterfallFrames frames_;
     Pass pass_;
     SlowColumn slowColumn_;

@@ -174,9 +174,11 @@ TEST_F(WaterfallWindowTest, LimitsFitThePictureAndTheChannelIsChosen) {
     EXPECT_EQ(find<RealSlider>("maxDbSlider").doubleValue(), top);
     EXPECT_LT(find<RealSlider>("minDbSlider").doubleValue(), 60.0);
     find<QComboBox>("channelPopup").setCurrentIndex(1); // the tone is on the right
-    hear(1);
-    click("fitButton");
-    EXPECT_TRUE(status().contains("nothing in the picture")) << status().toStdString();
+    EXPECT_TRUE(QTest::qWaitFor([this] {
+        hear(0.25);
+        click("fitButton");
+        return status().contains("nothing in the picture");
+    })) << status().toStdString();
 }
 
 TEST_F(WaterfallWindowTest, FullPicturesOfSlowColumnsAreSavedUnderNamesOfTheirOwn) {
