@@ -51,10 +51,8 @@ void WaterfallAnalysis::take(std::span<const std::int16_t> interleaved) {
         abandonPass();
     }
     const ChannelFold channel = parameters_.channel.load(std::memory_order_relaxed);
-    if (std::exchange(channel_, channel) != channel) { // what waits is of the other one
-        abandonPass();
-        image_.markGap();
-    }
+    if (std::exchange(channel_, channel) != channel)
+        abandonPass(); // and what waits, which is of the other one
     if (isBehind())
         drop(samples);
     else

@@ -173,7 +173,7 @@ TEST_F(WaterfallWindowTest, LimitsFitThePictureAndTheChannelIsChosen) {
     const int top = truncateToInt32(std::ceil(6.25 * std::log(0.9 * 32767 * 512)));
     EXPECT_EQ(find<RealSlider>("maxDbSlider").doubleValue(), top);
     EXPECT_LT(find<RealSlider>("minDbSlider").doubleValue(), 60.0);
-    find<QComboBox>("channelPopup").setCurrentIndex(1); // the tone is on the right
+    find<QComboBox>("channelPopup").setCurrentIndex(2); // the tone is on the left
     EXPECT_TRUE(QTest::qWaitFor([this] {
         hear(0.25);
         click("fitButton");

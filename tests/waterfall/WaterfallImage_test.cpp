@@ -232,7 +232,7 @@ TEST(WaterfallReadout, KnowsWhatIsOfAnotherScaleOrOlderThanAGap) {
         {"window", [](Waterfall& w) { w.parameters.waterfallWindowType = 2; }, true, false,
          TimeScale::Current},
         {"channel", [](Waterfall& w) { w.parameters.channel = ChannelFold::Left; }, true, false,
-         TimeScale::Current},
+         TimeScale::BeforeGap},
         {"size", [](Waterfall& w) { w.parameters.fftSizeLog2 = 9; }, true, false, TimeScale::Other},
         {"speed-up", [](Waterfall& w) { w.parameters.waterfallSpeedup = 2; }, true, false, TimeScale::Other},
         {"slow", [](Waterfall& w) { w.parameters.slowSeconds = 0.1; }, true, false, TimeScale::Other},
