@@ -83,8 +83,11 @@ void SpectrumReader::take(const AnalysedBlock& block) {
     }
     blocks_ = std::max(block.blocks, 1);
     samples_.assign(block.samples.begin(), block.samples.end());
+    const auto [low, high] = std::ranges::minmax(samples_);
+    // Of a constant nothing may be left, not even the rounding of its mean.
     const double mean =
-        std::inner_product(samples_.begin(), samples_.end(), window_.begin(), 0.0) / windowSum_;
+        low == high ? low
+                    : std::inner_product(samples_.begin(), samples_.end(), window_.begin(), 0.0) / windowSum_;
     for (double& sample : samples_)
         sample = (sample - mean) / blocks_;
     weighted_.resize(samples_.size());
