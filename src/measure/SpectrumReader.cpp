@@ -164,7 +164,9 @@ std::optional<SpectrumTone> SpectrumReader::toneBetween(double lowHz, double hig
         const std::size_t k = *highest;
         const bool isSummit =
             k > 0 && k + 1 < power_.size() && power_[k] >= power_[k - 1] && power_[k] >= power_[k + 1];
-        bin = isSummit ? summitNear(samples_, static_cast<double>(k)) : static_cast<double>(k);
+        bin = summitNear(samples_, static_cast<double>(k));
+        if (!isSummit) // one beyond an end is not what is asked for
+            bin = std::clamp(bin, lowHz / binHz(), highHz / binHz());
     }
     return tone(bin, meanSquareAt(samples_, bin), question);
 }
