@@ -179,7 +179,8 @@ SpectrumReadings SpectrumReader::read(const SpectrumQuestion& question) {
     residualPower_ = power_;
     std::optional<double> fundamental;
     const auto measured = [&](double first, double last) -> std::optional<FittedSine> {
-        const auto highest = highestBin(power_, first, last);
+        // At either end the sine's amplitude is anything.
+        const auto highest = highestBin(power_, std::max(first, 1.0), std::min(last, lastBin() - 1.0));
         if (!highest)
             return std::nullopt;
         return fitSine(samples_, window_, parabolaAt(power_, *highest));

@@ -152,6 +152,7 @@ TEST(SpectrumReader, SaysNothingAboutNothing) {
     EXPECT_FALSE(silent.peak || silent.thdDb || silent.noiseDbfs || silent.snrDb || silent.humDbfs);
     for (const double hz : {-1.0, 1e300, std::nan("")})
         EXPECT_FALSE(reader.toneBetween(hz, hz, {})) << hz;
+    EXPECT_LT(*readerOf(signal(64, {{22000, -6, 1}}), 1).read({}).peak->levelDbfs, 0); // next to the end
     EXPECT_NEAR(aWeighting(100.0), std::pow(10.0, -1.91), 0.0005); // the standard's table, in tenths of a dB
     EXPECT_NEAR(10.0 * std::log10(aWeighting(10000.0)), -2.5, 0.05);
 }
