@@ -176,7 +176,6 @@ SpectrumReadings SpectrumReader::read(const SpectrumQuestion& question) {
     if (!hasBlock())
         return readings;
     residual_ = samples_;
-    residualPower_ = power_;
     std::optional<double> fundamental;
     const auto measured = [&](double first, double last) -> std::optional<FittedSine> {
         // At either end the sine's amplitude is anything.
@@ -195,13 +194,20 @@ SpectrumReadings SpectrumReader::read(const SpectrumQuestion& question) {
     if (strongest) {
         readings.fundamental = tone(strongest->bin, strongest->meanSquare(), question);
         takeOffSine(residual_, strongest->bin, strongest->cosine, strongest->sine);
-        readHarmonics(readings, question, strongest->bin);
-        std::ranges::transform(residual_, window_, weighted_.begin(), std::multiplies());
-        transform_.power(weighted_, residualPower_);
         fundamental = strongest->bin;
     }
+    const auto transformResidual = [&] {
+        std::ranges::transform(residual_, window_, weighted_.begin(), std::multiplies());
+        transform_.power(weighted_, residualPower_);
+    };
+    if (question.mainsHz > 0.0) { // before the harmonics are taken off, as they may be the mains'
+        transformResidual();
+        readMains(readings, question);
+    }
+    if (fundamental)
+        readHarmonics(readings, question, *fundamental);
+    transformResidual();
     readNoise(readings, question, fundamental);
-    readMains(readings, question);
     return readings;
 }
 
