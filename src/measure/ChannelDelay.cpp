@@ -19,7 +19,7 @@ constexpr double kOutstanding = 6.0;  ///< times the others' root mean square
 constexpr double kUpsideDown = 1.1;   ///< times the highest the lowest must be
 constexpr double kRival = 0.95;       ///< of the highest: a peak that fits as well
 constexpr double kBetween = 0.7;      ///< of the highest: where it falls below, another peak begins
-constexpr std::size_t kEdge = 8;      ///< lags at both ends, among which there is little to read between
+constexpr std::size_t kEdge = 32;     ///< lags at both ends, where values to read between are missing
 constexpr double kWidestFlank = 64.0; ///< lags from the top: further away the overlap counts
 constexpr double kLeastEnergy = 0.25; ///< of a channel in the overlapping part
 

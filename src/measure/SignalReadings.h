@@ -31,11 +31,11 @@ struct SignalReadings {
 /// passes the middle twice in each of its periods.
 ///
 /// Error of the frequency, (last rise - first rise) / periods with rises between samples on a straight line:
-/// 4e-5 of it for a sine of 1 % of full scale or more from 12 Hz to 18 kHz, 1e-5 for one of full scale up to
-/// 10 kHz; noise of r times the sine's peak adds about r / periods of it, and edges that are shorter than a
-/// sample up to one sample in the whole time. A sine above 0.43 of the sample rate is not read. Error of the
-/// duty: 0.1 % for a sine up to 18 kHz, half a sample in each period for edges that are shorter than a
-/// sample.
+/// 4e-5 of it for a sine of 10 % of full scale or more from 12 Hz to 18 kHz, 2e-4 for one of 1 %, 1e-5 for
+/// one of full scale up to 10 kHz; noise of r times the sine's peak adds about r / periods of it, and edges
+/// that are shorter than a sample up to one sample in the whole time. A sine above 0.43 of the sample rate is
+/// not read. Error of the duty: 0.1 % for a sine up to 1 kHz, several above where its periods are a few
+/// samples, half a sample in each period for edges that are shorter than a sample.
 SignalReadings readSignal(std::span<const std::int16_t> samples, double sampleRate);
 
 } // namespace sonotrace

@@ -154,6 +154,8 @@ SONOTRACE_WIDE_VECTORS void takeOffSine(std::span<double> samples, double bin, d
 FittedSine fitSine(std::span<const double> samples, std::span<const double> window, double bin) {
     constexpr int kMostSteps = 8;
     constexpr double kCloseEnough = 1e-5; // bins; the next step would be the square of it
+    constexpr double kLeastBin = 0.5;     // from either end, where the equations say next to nothing
+    const double lastBin = static_cast<double>(samples.size()) / 2.0;
     SineGuess guess{.bin = bin};
     for (int step = 0; step < kMostSteps; ++step) {
         Equations equations = normalEquations(samples, window, guess);
@@ -161,9 +163,10 @@ FittedSine fitSine(std::span<const double> samples, std::span<const double> wind
         // The frequency has no slope before there is a sine.
         if (!solve(equations, step == 0 ? kUnknowns - 1 : kUnknowns, change))
             break;
-        if (std::abs(guess.bin + change[3] - bin) > 1.0)
+        const double next = guess.bin + change[3];
+        if (std::abs(next - bin) > 1.0 || next < kLeastBin || next > lastBin - kLeastBin)
             break; // lost: what is there is no lone sine
-        guess = {.bin = guess.bin + change[3],
+        guess = {.bin = next,
                  .cosine = guess.cosine + change[0],
                  .sine = guess.sine + change[1],
                  .constant = guess.constant + change[2]};

@@ -20,7 +20,8 @@ struct FittedSine {
 };
 
 /// The sine that, with a constant, comes nearest to the samples by least squares, weighted with the window's
-/// squares, found from a frequency that is right to half a bin. What is no lone sine gives one within a bin.
+/// squares, found from a frequency that is right to half a bin and lies half a bin or more from 0 and from N
+/// / 2. What is no lone sine gives one within a bin.
 FittedSine fitSine(std::span<const double> samples, std::span<const double> window, double bin);
 
 /// Takes a sine off the samples.

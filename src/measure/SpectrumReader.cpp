@@ -83,8 +83,11 @@ void SpectrumReader::take(const AnalysedBlock& block) {
     }
     blocks_ = std::max(block.blocks, 1);
     samples_.assign(block.samples.begin(), block.samples.end());
+    const auto [low, high] = std::ranges::minmax(samples_);
+    // Of a constant nothing may be left, not even the rounding of its mean.
     const double mean =
-        std::inner_product(samples_.begin(), samples_.end(), window_.begin(), 0.0) / windowSum_;
+        low == high ? low
+                    : std::inner_product(samples_.begin(), samples_.end(), window_.begin(), 0.0) / windowSum_;
     for (double& sample : samples_)
         sample = (sample - mean) / blocks_;
     weighted_.resize(samples_.size());
@@ -161,7 +164,9 @@ std::optional<SpectrumTone> SpectrumReader::toneBetween(double lowHz, double hig
         const std::size_t k = *highest;
         const bool isSummit =
             k > 0 && k + 1 < power_.size() && power_[k] >= power_[k - 1] && power_[k] >= power_[k + 1];
-        bin = isSummit ? summitNear(samples_, static_cast<double>(k)) : static_cast<double>(k);
+        bin = summitNear(samples_, static_cast<double>(k));
+        if (!isSummit) // one beyond an end is not what is asked for
+            bin = std::clamp(bin, lowHz / binHz(), highHz / binHz());
     }
     return tone(bin, meanSquareAt(samples_, bin), question);
 }
@@ -171,10 +176,10 @@ SpectrumReadings SpectrumReader::read(const SpectrumQuestion& question) {
     if (!hasBlock())
         return readings;
     residual_ = samples_;
-    residualPower_ = power_;
     std::optional<double> fundamental;
     const auto measured = [&](double first, double last) -> std::optional<FittedSine> {
-        const auto highest = highestBin(power_, first, last);
+        // At either end the sine's amplitude is anything.
+        const auto highest = highestBin(power_, std::max(first, 1.0), std::min(last, lastBin() - 1.0));
         if (!highest)
             return std::nullopt;
         return fitSine(samples_, window_, parabolaAt(power_, *highest));
@@ -189,13 +194,20 @@ SpectrumReadings SpectrumReader::read(const SpectrumQuestion& question) {
     if (strongest) {
         readings.fundamental = tone(strongest->bin, strongest->meanSquare(), question);
         takeOffSine(residual_, strongest->bin, strongest->cosine, strongest->sine);
-        readHarmonics(readings, question, strongest->bin);
-        std::ranges::transform(residual_, window_, weighted_.begin(), std::multiplies());
-        transform_.power(weighted_, residualPower_);
         fundamental = strongest->bin;
     }
+    const auto transformResidual = [&] {
+        std::ranges::transform(residual_, window_, weighted_.begin(), std::multiplies());
+        transform_.power(weighted_, residualPower_);
+    };
+    if (question.mainsHz > 0.0) { // before the harmonics are taken off, as they may be the mains'
+        transformResidual();
+        readMains(readings, question);
+    }
+    if (fundamental)
+        readHarmonics(readings, question, *fundamental);
+    transformResidual();
     readNoise(readings, question, fundamental);
-    readMains(readings, question);
     return readings;
 }
 

@@ -53,7 +53,7 @@ std::vector<Reading> wordedChannel(const SignalReadings* read, int number, const
          "The RMS as a level: 0 dBFS is that of a sine of full scale"},
         {name("Frequency"), read ? frequencyText(of) : kNone,
          "Whole periods, as many as the brackets say, by the time from the first rise through the middle of "
-         "the extremes to the last; for a sine within 0.004 %. " +
+         "the extremes to the last; for a sine that fills a tenth of full scale within 0.004 %. " +
              whyNot},
         {name("Duty"), of.period ? padded(period.dutyPerCent, 2, 2) + " %" : kNone,
          "Part of the periods that the signal is above the middle of its extremes. " + whyNot},

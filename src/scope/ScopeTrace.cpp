@@ -63,12 +63,15 @@ void ScopeTrace::build(const ScopeControls& controls, const ScopeCapture& captur
     timeAxis_ = {0.0, length * 1000.0 / kSampleRate};
     std::int32_t start = 0;
     for (std::size_t i = 0; i < lines_.size(); ++i) {
-        place(controls, i, capture.scaling(static_cast<std::int32_t>(i)), height);
-        const double baseLine = scales_[i].baseLine;
         const TriggerSearch::Trace trace =
             triggers_.search(i, capture.display(static_cast<std::int32_t>(i)),
                              {controls.trigger[i], controls.triggerPolarity[i]}, length, start);
         start = trace.triggerBase;
+        const ScopeScaling& scaling = capture.scaling(static_cast<std::int32_t>(i));
+        if (!trace.held)
+            triggered_[i] = scaling;
+        place(controls, i, triggered_[i].value_or(scaling), height);
+        const double baseLine = scales_[i].baseLine;
         findings_[i] = {trace.held, std::clamp(kCaptureFramesPerBuffer - start, 0, length)};
 
         const auto samples = trace.samples.subspan(static_cast<std::size_t>(trace.triggerBase),

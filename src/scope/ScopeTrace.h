@@ -88,6 +88,7 @@ private:
     void buildSteady(const ScopeControls& controls, double width, double height);
 
     TriggerSearch triggers_;
+    std::array<std::optional<ScopeScaling>, 2> triggered_; ///< of the last blocks that did
     std::array<ScopeFindings, 2> findings_;
     std::array<std::vector<PlotPoint>, 2> lines_;
     std::array<ScopeScale, 2> scales_;

@@ -116,6 +116,8 @@ TEST(SpectrumReader, ReadsATypedFundamentalAndTheMains) {
     EXPECT_NEAR(*readings.mains[0]->levelDbfs, -60, 0.02);
     EXPECT_NEAR(*readings.mains[2]->levelDbfs, -80, 0.05);
     EXPECT_NEAR(*readings.humDbfs, sumOfLevels({-60, -70, -80}), 0.02);
+    // Hum may be the fundamental, with harmonics of its own.
+    EXPECT_NEAR(*reader.read({.fundamentalHz = 50, .mainsHz = 50}).humDbfs, *readings.humDbfs, 0.02);
     EXPECT_FALSE(readerOf(signal(2048, {{50, -6, 0}}), 1).read(question).mains[0]); // the lines are one
 }
 
@@ -154,6 +156,7 @@ TEST(SpectrumReader, SaysNothingAboutNothing) {
     EXPECT_FALSE(silent.peak || silent.thdDb || silent.noiseDbfs || silent.snrDb || silent.humDbfs);
     for (const double hz : {-1.0, 1e300, std::nan("")})
         EXPECT_FALSE(reader.toneBetween(hz, hz, {})) << hz;
+    EXPECT_LT(*readerOf(signal(64, {{22000, -6, 1}}), 1).read({}).peak->levelDbfs, 0); // next to the end
     EXPECT_NEAR(aWeighting(100.0), std::pow(10.0, -1.91), 0.0005); // the standard's table, in tenths of a dB
     EXPECT_NEAR(10.0 * std::log10(aWeighting(10000.0)), -2.5, 0.05);
 }

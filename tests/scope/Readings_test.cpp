@@ -112,6 +112,7 @@ TEST(ChannelDelay, IsWhereTheChannelsAreMostAlike) {
         {sine(1000, 0), sine(1000, 0.37, 300), 0.37, 0.007, 44.1, 1},
         {sine(1000, 0), sine(1000, 300), -8.7, 0.007, 44.1, 1},
         {sine(7000, 0), sine(7000, 300), -2.4, 0.003, 6.3, 1},
+        {sine(18340, 0), sine(18340, 0.37), 0.37, 0.002, 44100 / 18340.0, 1},
         {sine(20, 0), sine(20, 300), 300, 0.3, 2205, 1},
         // ln(2 a / (a + b)) / (a - b) of the corners, and ln 2 / b of the slow square
         {from(white, 1), from(lowPass(white, 50)), 0, 1, 0, 0.12},

@@ -139,12 +139,14 @@ TEST(ScopeTrace, LinesRunFromTheTriggerAndAChannelWithoutOneKeepsItsLastBlock) {
     EXPECT_EQ(scope.trace.line(0)[1], (PlotPoint{0, 550.005}));
     EXPECT_EQ(scope.trace.line(0)[20], (PlotPoint{950, 550.1}));
     EXPECT_EQ(scope.trace.line(1)[2], (PlotPoint{50, 144.5})); // nothing held yet
+    scope.controls.range[0] = 10;                              // not that of the held block
     scope.show(constant(123), sawtooth);
     scope.controls.sweep = 1e9; // longer than the trigger was found for
     EXPECT_EQ(scope.draw(), "ch 0 triggerBase 12060   displayBuflength 10000\n"
                             "ch 1 triggerBase 8029   displayBuflength 10000\n"); // searched from 8001 on
     ASSERT_EQ(scope.trace.line(0).size(), 10001U);
     EXPECT_EQ(scope.trace.line(0)[3024].y, 565.12);
+    EXPECT_NEAR(scope.trace.scale(0).levelAt(565.12), 4024 / 32768.0, 1e-9);
     EXPECT_EQ(scope.trace.line(0)[3025].y, 545);                // where the held signal ends
     EXPECT_EQ(scope.trace.line(0)[10000].x, 999.9000000000001); // 9999 * 0.1, not summed up
     EXPECT_TRUE(scope.trace.findings(0).held && !scope.trace.findings(1).held);
