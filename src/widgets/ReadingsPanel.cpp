@@ -19,9 +19,10 @@
 namespace sonotrace {
 
 namespace {
-constexpr int kNameGap = 8;    // points, from a name to its number
-constexpr int kColumnGap = 24; // and from there to the next name
-constexpr int kMostRows = 8;   // that the window grows for, if need be: it has to fit small screens
+constexpr int kNameGap = 8;     // points, from a name to its number
+constexpr int kColumnGap = 24;  // and from there to the next name
+constexpr int kMostDigits = 48; // of a number; a longer one, of an absurd range, is cut
+constexpr int kMostRows = 8;    // that the window grows for, if need be: it has to fit small screens
 } // namespace
 
 ReadingsPanel::ReadingsPanel(QWidget* parent) : QAbstractScrollArea(parent) {
@@ -53,9 +54,10 @@ void ReadingsPanel::show(std::vector<Reading> readings) {
 }
 
 void ReadingsPanel::measure() {
+    const int widest = fontMetrics().horizontalAdvance(QString(kMostDigits, u'0'));
     for (const Reading& reading : readings_) {
         nameWidth_ = std::max(nameWidth_, fontMetrics().horizontalAdvance(reading.name));
-        valueWidth_ = std::max(valueWidth_, fontMetrics().horizontalAdvance(reading.value));
+        valueWidth_ = std::max(valueWidth_, std::min(fontMetrics().horizontalAdvance(reading.value), widest));
     }
 }
 
