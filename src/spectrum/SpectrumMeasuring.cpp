@@ -109,8 +109,11 @@ QString SpectrumMeasuring::level(const std::optional<double>& levelDbfs) const {
 QString SpectrumMeasuring::toneText(const std::optional<SpectrumTone>& tone) const {
     if (!tone)
         return kNothing;
+    const bool isAveraged = analysis_.summedBlocks() > 1 && analysis_.maxPower() > 0.0; // else it is silent
     return hertz(tone->frequencyHz) + "  " +
-           (tone->levelDbfs ? levelText_(*tone->levelDbfs) : QString("averaged away"));
+           (tone->levelDbfs ? levelText_(*tone->levelDbfs)
+            : isAveraged    ? QString("averaged away")
+                            : kNothing);
 }
 
 void SpectrumMeasuring::showReadings() {
