@@ -199,18 +199,14 @@ void CalibrationDialog::addCorrection(QVBoxLayout& column, const QString& number
         clear->setEnabled(!correction.path.isEmpty());
     };
     show();
+    // Not by who asks for a file: meanwhile a device may come back, and the devices be shown anew.
+    connect(&calibrations_, &Calibrations::changed, text, show);
     connect(choose, &QPushButton::clicked, this, [=, this] {
-        const auto path =
-            askForFileToOpen(this, preferences_, kCorrections, "Correction file of the microphone");
-        if (!path)
-            return;
-        calibrations_.setCorrection(uid, *path);
-        show();
+        if (const auto path =
+                askForFileToOpen(this, preferences_, kCorrections, "Correction file of the microphone"))
+            calibrations_.setCorrection(uid, *path);
     });
-    connect(clear, &QPushButton::clicked, this, [=, this] {
-        calibrations_.setCorrection(uid, QString());
-        show();
-    });
+    connect(clear, &QPushButton::clicked, this, [=, this] { calibrations_.setCorrection(uid, QString()); });
 }
 
 } // namespace sonotrace

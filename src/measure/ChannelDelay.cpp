@@ -256,11 +256,6 @@ std::optional<DelayReading> ChannelDelay::read(std::span<const std::int16_t> fir
 
     DelayReading reading;
     reading.ambiguous = lobes.size() > 1;
-    if (usual > kRival * nearest->height) { // a drift is like itself wherever it is shifted to
-        reading.ambiguous = true;
-        reading.correlation = sign * std::min(nearest->height, 1.0);
-        return reading;
-    }
     if (!reading.ambiguous) {
         const Peak peak = peakNear(peakNear(nearest->lag, 0.5).lag, 0.25);
         reading.delaySeconds = peak.lag / sampleRate_;

@@ -106,6 +106,8 @@ void ScopeController::awakeFromNib() {
     connect(ui_->cursorsButton, &QCheckBox::toggled, this, &ScopeController::showCursors);
     connect(ui_->holdButton, &QCheckBox::toggled, this, &ScopeController::hold);
     connect(ui_->singleButton, &QPushButton::toggled, this, &ScopeController::awaitTrigger);
+    // What is held has not been heard by another input, and would be read in its unit.
+    connect(ui_->inputPopup, &QComboBox::activated, this, [this] { ui_->holdButton->setChecked(false); });
     // Not from within the painting: the panel may want another height.
     connect(ui_->mainView, &ScopeView::painted, this, &ScopeController::showReadings, Qt::QueuedConnection);
     listStoredControls();

@@ -1,6 +1,7 @@
 #include "scope/ScopeReadings.h"
 
 #include "widgets/LevelText.h"
+#include "widgets/NumberText.h"
 
 #include <cmath>
 #include <numbers>
@@ -14,10 +15,8 @@ const QString kNone = QStringLiteral("–");
 
 /// As wide for every number of as many digits before the point or fewer.
 QString padded(double value, int decimals, int digits) {
-    QString text = QString::number(value, 'f', decimals);
-    if (text.startsWith('-') && text.count('0') + text.count('.') == text.size() - 1)
-        text.remove(0, 1); // what is rounded to 0 has no sign
-    return text.rightJustified(digits + (decimals > 0 ? decimals + 1 : 0), QChar(0x2007)); // figure space
+    return textWithDecimals(value, decimals)
+        .rightJustified(digits + (decimals > 0 ? decimals + 1 : 0), QChar(0x2007)); // figure space
 }
 
 QString frequencyText(const SignalReadings& read) {

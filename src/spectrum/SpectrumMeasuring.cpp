@@ -1,6 +1,7 @@
 #include "spectrum/SpectrumMeasuring.h"
 
 #include "widgets/LevelText.h"
+#include "widgets/NumberText.h"
 
 #include <cmath>
 #include <utility>
@@ -15,11 +16,11 @@ constexpr int kReach = 4;                // columns that a click may miss a tone
 const QString kNothing = "–";
 
 QString decibels(double value) {
-    return QString("%1 dB").arg(value, 0, 'f', 2);
+    return textWithDecimals(value, 2) + " dB";
 }
 
 QString hertz(double frequency) {
-    return QString("%1 Hz").arg(frequency, 0, 'f', 2);
+    return textWithDecimals(frequency, 2) + " Hz";
 }
 
 QString ratio(const std::optional<double>& value) {
@@ -108,9 +109,11 @@ QString SpectrumMeasuring::level(const std::optional<double>& levelDbfs) const {
 QString SpectrumMeasuring::toneText(const std::optional<SpectrumTone>& tone) const {
     if (!tone)
         return kNothing;
-    if (!tone->levelDbfs && analysis_.summedBlocks() > 1)
-        return hertz(tone->frequencyHz) + "  averaged away";
-    return hertz(tone->frequencyHz) + "  " + level(tone->levelDbfs);
+    const bool isAveraged = analysis_.summedBlocks() > 1 && analysis_.maxPower() > 0.0; // else it is silent
+    return hertz(tone->frequencyHz) + "  " +
+           (tone->levelDbfs ? levelText_(*tone->levelDbfs)
+            : isAveraged    ? QString("averaged away")
+                            : kNothing);
 }
 
 void SpectrumMeasuring::showReadings() {

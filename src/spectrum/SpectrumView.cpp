@@ -289,17 +289,19 @@ void SpectrumView::keyPressEvent(QKeyEvent* event) {
     update();
 }
 
-/// With the keys it begins where it was, or in the middle.
+/// With the keys it begins where it was, or in the middle. A window that is only activated shows no pointer.
 void SpectrumView::focusInEvent(QFocusEvent* event) {
-    if (event->reason() != Qt::MouseFocusReason && analysis_) {
+    if (analysis_ && (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)) {
         pointsWithKeys_ = true;
         point(pointer_.value_or(width() / 2));
     }
     update();
 }
 
-void SpectrumView::focusOutEvent(QFocusEvent*) {
-    if (std::exchange(pointsWithKeys_, false))
+void SpectrumView::focusOutEvent(QFocusEvent* event) {
+    const bool comesBack =
+        event->reason() == Qt::ActiveWindowFocusReason || event->reason() == Qt::PopupFocusReason;
+    if (!comesBack && std::exchange(pointsWithKeys_, false))
         pointer_.reset();
     update();
 }

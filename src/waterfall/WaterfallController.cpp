@@ -420,8 +420,10 @@ QString WaterfallController::pictureFolder() const {
 }
 
 void WaterfallController::choosePictureFolder() {
-    if (askForFolder(&window_, preferences_, kFullPictures, "Choose folder for full pictures"))
-        showPictureFolder();
+    if (!askForFolder(&window_, preferences_, kFullPictures, "Choose folder for full pictures"))
+        return;
+    savingTrouble_.clear();
+    showPictureFolder();
 }
 
 void WaterfallController::showPictureFolder() {
@@ -436,6 +438,7 @@ void WaterfallController::saveFullPicture() {
     const double slowSamples = parameters_.slowSamples();
     if (!ui_->savePicturesButton->isChecked() || slowSamples == 0.0) {
         savedUpTo_ = scrolled;
+        savingTrouble_.clear();
         return;
     }
     // Several short columns may come at once: room for those of half a second.

@@ -34,12 +34,13 @@ QString withPrefix(double value, LevelUnit unit) {
     for (double limit = 10.0; limit < kDigits && std::abs(shown) >= limit - 0.5 * limit / kDigits;
          limit *= 10.0)
         --decimals;
-    return QString("%1 %2%3").arg(shown, 0, 'f', std::max(decimals, 0)).arg(prefix.name, unitText(unit));
+    return QString("%1 %2%3").arg(textWithDecimals(shown, std::max(decimals, 0)), prefix.name,
+                                  unitText(unit));
 }
 
 QString decibels(double level, const QString& unit) {
-    return QString("%1 %2").arg(
-        std::isinf(level) ? (level < 0.0 ? "−∞" : "∞") : QString::number(level, 'f', 2), unit);
+    return QString("%1 %2").arg(std::isinf(level) ? (level < 0.0 ? "−∞" : "∞") : textWithDecimals(level, 2),
+                                unit);
 }
 
 } // namespace
@@ -56,7 +57,7 @@ QString levelText(const Calibration& calibration, double levelDbfs) {
 QString instantaneousText(const Calibration& calibration, double part) {
     const auto value = instantaneousValue(calibration, part);
     return value ? withPrefix(*value, linearUnit(calibration.unit))
-                 : QString::number(std::round(part * 1e4) / 100.0 + 0.0, 'f', 2) + " %"; // no -0.00
+                 : textWithDecimals(part * 100.0, 2) + " %";
 }
 
 std::optional<double> levelFromText(const Calibration& calibration, const QString& text) {

@@ -87,4 +87,11 @@ QString textFromNumber(float value) {
     return shortest(value);
 }
 
+QString textWithDecimals(double value, int decimals) {
+    QString text = QString::number(value, 'f', decimals);
+    if (text.startsWith('-') && text.count('0') + text.count('.') == text.size() - 1)
+        text.remove(0, 1);
+    return text;
+}
+
 } // namespace sonotrace

@@ -27,4 +27,7 @@ std::optional<double> thousandsFromText(const QString& text);
 QString textFromNumber(double value);
 QString textFromNumber(float value);
 
+/// With so many digits after the point; what they round to 0 has no sign.
+QString textWithDecimals(double value, int decimals);
+
 } // namespace sonotrace

@@ -6,7 +6,7 @@
 #include <QGuiApplication>
 #include <QHelpEvent>
 #include <QPainter>
-#include <QResizeEvent>
+#include <QScrollBar>
 #include <QStringList>
 #include <QStyle>
 #include <QStyleOptionFocusRect>
@@ -19,12 +19,17 @@
 namespace sonotrace {
 
 namespace {
-constexpr int kNameGap = 8;    // points, from a name to its number
-constexpr int kColumnGap = 24; // and from there to the next name
+constexpr int kNameGap = 8;     // points, from a name to its number
+constexpr int kColumnGap = 24;  // and from there to the next name
+constexpr int kMostDigits = 48; // of a number; a longer one, of an absurd range, is cut
+constexpr int kMostRows = 8;    // that the window grows for, if need be: it has to fit small screens
 } // namespace
 
-ReadingsPanel::ReadingsPanel(QWidget* parent) : QWidget(parent) {
-    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+ReadingsPanel::ReadingsPanel(QWidget* parent) : QAbstractScrollArea(parent) {
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Maximum);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    viewport()->setAutoFillBackground(false);
     setFocusPolicy(Qt::TabFocus);
     setContextMenuPolicy(Qt::ActionsContextMenu);
     auto* const action = new QAction("&Copy Readings", this);
@@ -42,16 +47,17 @@ void ReadingsPanel::show(std::vector<Reading> readings) {
     const std::pair before(nameWidth_, valueWidth_);
     measure();
     if (!isAsMany || before != std::pair(nameWidth_, valueWidth_))
-        updateGeometry();
+        layOut();
     if (QAccessible::isActive())
         setAccessibleDescription(text().replace(u'\t', u' ').replace(u'\n', QString(". ")));
-    update();
+    viewport()->update();
 }
 
 void ReadingsPanel::measure() {
+    const int widest = fontMetrics().horizontalAdvance(QString(kMostDigits, u'0'));
     for (const Reading& reading : readings_) {
         nameWidth_ = std::max(nameWidth_, fontMetrics().horizontalAdvance(reading.name));
-        valueWidth_ = std::max(valueWidth_, fontMetrics().horizontalAdvance(reading.value));
+        valueWidth_ = std::max(valueWidth_, std::min(fontMetrics().horizontalAdvance(reading.value), widest));
     }
 }
 
@@ -77,11 +83,18 @@ int ReadingsPanel::rows(int width) const {
     return (static_cast<int>(readings_.size()) + perRow - 1) / perRow;
 }
 
+void ReadingsPanel::layOut() {
+    const int hidden = sizeHint().height() - viewport()->height();
+    verticalScrollBar()->setSingleStep(fontMetrics().lineSpacing());
+    verticalScrollBar()->setPageStep(viewport()->height());
+    verticalScrollBar()->setRange(0, std::max(hidden, 0));
+    updateGeometry();
+}
+
 /// Not by the layouts' height for width: they do not let a window grow for it, and squeeze what else is in
 /// it.
-void ReadingsPanel::resizeEvent(QResizeEvent* event) {
-    if (rows(event->oldSize().width()) != rows(width()))
-        updateGeometry();
+void ReadingsPanel::resizeEvent(QResizeEvent*) {
+    layOut();
 }
 
 QSize ReadingsPanel::sizeHint() const {
@@ -89,41 +102,43 @@ QSize ReadingsPanel::sizeHint() const {
 }
 
 QSize ReadingsPanel::minimumSizeHint() const {
-    return {0, 0};
+    return {0, std::min(rows(width()), kMostRows) * fontMetrics().lineSpacing()};
 }
 
-bool ReadingsPanel::event(QEvent* event) {
+bool ReadingsPanel::viewportEvent(QEvent* event) {
     if (event->type() != QEvent::ToolTip || readings_.empty())
-        return QWidget::event(event);
+        return QAbstractScrollArea::viewportEvent(event);
     const auto* const help = static_cast<QHelpEvent*>(event);
     const int perRow = columns(width());
-    const int column = std::min(help->x() * perRow / std::max(width(), 1), perRow - 1);
-    const auto i = static_cast<std::size_t>(help->y() / fontMetrics().lineSpacing() * perRow + column);
+    const int column = std::min(help->x() * perRow / std::max(viewport()->width(), 1), perRow - 1);
+    const auto i = static_cast<std::size_t>(
+        (help->y() + verticalScrollBar()->value()) / fontMetrics().lineSpacing() * perRow + column);
     if (i < readings_.size())
         QToolTip::showText(help->globalPos(), Qt::convertFromPlainText(readings_[i].tip), this);
     return true;
 }
 
 void ReadingsPanel::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
+    QAbstractScrollArea::changeEvent(event);
     if (event->type() != QEvent::FontChange)
         return;
     nameWidth_ = valueWidth_ = 0;
     measure();
-    updateGeometry();
+    layOut();
 }
 
 void ReadingsPanel::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
+    QPainter painter(viewport());
     const int perRow = columns(width());
+    const int across = viewport()->width();
     const int line = fontMetrics().lineSpacing();
     QColor quiet = palette().color(QPalette::WindowText);
     quiet.setAlphaF(0.7F);
     for (std::size_t i = 0; i < readings_.size(); ++i) {
         const int column = static_cast<int>(i) % perRow;
-        const int left = column * width() / perRow;
-        const int top = static_cast<int>(i) / perRow * line;
-        const int room = (column + 1) * width() / perRow - left;
+        const int left = column * across / perRow;
+        const int top = static_cast<int>(i) / perRow * line - verticalScrollBar()->value();
+        const int room = (column + 1) * across / perRow - left;
         painter.setPen(quiet);
         painter.drawText(QRect(left, top, room, line), Qt::AlignLeft | Qt::TextSingleLine, readings_[i].name);
         painter.setPen(palette().color(QPalette::WindowText));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QWidget>
+#include <QAbstractScrollArea>
 
 #include <vector>
 
@@ -15,8 +15,9 @@ struct Reading {
 };
 
 /// The numbers under a picture, in columns as wide as the widest of them. They can be copied as text, with
-/// the keys too, and are read out by screen readers. Window thread.
-class ReadingsPanel : public QWidget {
+/// the keys too, and are read out by screen readers. Where there are too many for the window they scroll.
+/// Window thread.
+class ReadingsPanel : public QAbstractScrollArea {
     Q_OBJECT
 
 public:
@@ -25,7 +26,7 @@ public:
     /// To be called as often as there are new numbers; the same number of readings each time keeps the
     /// picture above from jumping.
     void show(std::vector<Reading> readings);
-    using QWidget::show;
+    using QAbstractScrollArea::show;
 
     /// How many readings belong side by side: columns are a multiple of that, where two of them fit. 1 at
     /// first.
@@ -38,15 +39,18 @@ public:
     QSize minimumSizeHint() const override;
 
 protected:
-    bool event(QEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
     void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void focusInEvent(QFocusEvent*) override { viewport()->update(); }
+    void focusOutEvent(QFocusEvent*) override { viewport()->update(); }
 
 private:
     int columns(int width) const;
     int rows(int width) const;
     void measure();
+    void layOut();
     void copy() const;
 
     std::vector<Reading> readings_;

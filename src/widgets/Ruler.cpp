@@ -82,11 +82,20 @@ void Ruler::paintEvent(QPaintEvent*) {
     const double labelLength =
         isUpright() ? metrics.height() * kLinesPerLabel : metrics.horizontalAdvance(u'0') * kDigitsPerLabel;
     const double unitLength = isUpright() ? metrics.height() : metrics.horizontalAdvance(unit_) + kUnitGap;
-    for (AxisTick tick : axisTicks(axis_, static_cast<int>(axisLength() / labelLength))) {
-        const double extent =
-            isUpright() ? metrics.height() : metrics.horizontalAdvance(QString::fromStdString(tick.label));
-        if (before_ + tick.place * axisLength() + extent / 2 > length() - unitLength)
-            tick.label.clear(); // there stands the unit
+    const auto advance = [&](const AxisTick& tick) {
+        return metrics.horizontalAdvance(QString::fromStdString(tick.label));
+    };
+    const double room = isUpright() ? width() - kTick : labelLength;
+    const auto isTooLong = [&](const AxisTick& tick) { return advance(tick) > room; };
+    int labels = static_cast<int>(axisLength() / labelLength);
+    std::vector<AxisTick> ticks = axisTicks(axis_, labels);
+    while (labels > 1 && std::ranges::any_of(ticks, isTooLong)) // fewer need fewer digits
+        ticks = axisTicks(axis_, labels /= 2);
+    for (AxisTick& tick : ticks) {
+        const double extent = isUpright() ? metrics.height() : advance(tick);
+        const bool isAtUnit = before_ + tick.place * axisLength() + extent / 2 > length() - unitLength;
+        if (isAtUnit || isTooLong(tick)) // half of a number would be another one
+            tick.label.clear();
         paintTick(painter, tick);
     }
     if (axis_.isDrawable())

@@ -70,9 +70,11 @@ private:
             return;
         const double value = *read;
         slider_.enterValue(value);
-        if (value > slider_.maximumValue())
+        constexpr double kRounding = 1e-6; // of the range: what a notation makes of its ends
+        const double slack = kRounding * (slider_.maximumValue() - slider_.minimumValue());
+        if (value > slider_.maximumValue() + slack || value < slider_.minimumValue() - slack)
             QToolTip::showText(slider_.mapToGlobal(slider_.rect().bottomLeft()),
-                               QString("%1 is more than there is: set to %2")
+                               QString("%1 is beyond the slider's range: set to %2")
                                    .arg(text, notation_.write(slider_.doubleValue())),
                                &slider_);
     }

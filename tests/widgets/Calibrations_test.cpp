@@ -29,6 +29,7 @@ TEST(LevelText, WritesAndReadsEveryUnit) {
     EXPECT_EQ(instantaneousText({V, 1}, -0.5), "-707.1 mV");
     EXPECT_EQ(instantaneousText({dBSPL, 94}, 1), "1.418 Pa");
     EXPECT_EQ(instantaneousText({}, -0.5), "-50.00 %");
+    EXPECT_EQ(instantaneousText({}, -1e-6), "0.00 %");
 
     const std::tuple<Calibration, const char*, double> typed[] = {
         {{V, 1}, "0.5 V", -6.0206},   {{V, 1}, "500mV", -6.0206},      {{dBV, 0}, "500 uv", -66.0206},
