@@ -170,8 +170,10 @@ void CalibrationDialog::addLevels(QVBoxLayout& column, Side side, const QString&
         keep({kept().unit, fullScale->doubleValue()});
     });
     connect(unit, &QComboBox::activated, this, [=](int item) { keep(inUnit(kept(), kLevelUnits[item])); });
-    connect(compute, &QPushButton::clicked, this,
-            [=] { keep(calibrationFromLevel(kept().unit, reading->doubleValue(), known->doubleValue())); });
+    connect(compute, &QPushButton::clicked, this, [=] {
+        if (!reading->text().isEmpty() && !known->text().isEmpty())
+            keep(calibrationFromLevel(kept().unit, reading->doubleValue(), known->doubleValue()));
+    });
 }
 
 void CalibrationDialog::addCorrection(QVBoxLayout& column, const QString& number, const std::string& uid) {

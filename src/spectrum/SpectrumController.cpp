@@ -1,6 +1,7 @@
 #include "spectrum/SpectrumController.h"
 
 #include "base/FftWindows.h"
+#include "base/Numbers.h"
 #include "base/SampleRate.h"
 #include "base/SystemLog.h"
 #include "ui_SpectrumWindow.h"
@@ -17,7 +18,8 @@ namespace sonotrace {
 
 namespace {
 
-constexpr int kMeterInterval = 50;     // ms
+constexpr int kMeterInterval = 50; // ms
+constexpr int kMostPowerAverages = 1000;
 constexpr float kFirstAverage = 10.0F; // spectra, where nothing is stored
 constexpr int kMostAverages = 100;     // from the store and with the keys; what is typed has no limit
 constexpr float kFullBrightness = 1000.0F;
@@ -40,6 +42,7 @@ SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Pr
     levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->analysisStrip, ui_->displayStrip, ui_->measureStrip,
                                  ui_->readingsStrip});
     ui_->numAvgText->setStepLimits(1.0, kMostAverages);
+    ui_->averageCountText->setStepLimits(1.0, kMostPowerAverages);
     keepRoom({ui_->soundInputVolume2Value});
     showInputVolume(*ui_->soundInputVolume2, *ui_->soundInputVolume2Value, system.inputVolumeExponent());
     ui_->soundInputVolume2->setFirstValue(0.0, ui_->soundInputVolume2Label);
@@ -304,8 +307,12 @@ void SpectrumController::doChannel() {
 }
 
 void SpectrumController::doAverage() {
+    const double spectra = ui_->averageCountText->doubleValue();
+    const bool isTaken = spectra >= 1.0 && spectra <= kMostPowerAverages;
+    ui_->averageCountText->setLook(isTaken ? NumberField::Look::Usual : NumberField::Look::Refused,
+                                   "Taken as the nearest number from 1 to 1000");
     overlays_.setAverage(static_cast<AverageKind>(std::max(ui_->averagePopup->currentIndex(), 0)),
-                         ui_->averageCountText->integerValue());
+                         truncateToInt32(std::clamp(spectra, 1.0, double{kMostPowerAverages})));
     ui_->mainView->update();
 }
 

@@ -44,6 +44,7 @@ SpectrumMeasuring::SpectrumMeasuring(const SpectrumAnalysis& analysis, const Spe
       pointerPanel_(pointerPanel),
       panel_(panel),
       levelText_([](double levelDbfs) { return levelText({}, levelDbfs); }) {
+    pointerPanel_.setLongestValue("20000.00 Hz  -100.00 dBFS  plot -100.0 dB");
     connect(&view_, &SpectrumView::clicked, this, &SpectrumMeasuring::mark);
     connect(&view_, &SpectrumView::escaped, this, &SpectrumMeasuring::dropMarks);
 }

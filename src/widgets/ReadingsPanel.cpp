@@ -53,8 +53,15 @@ void ReadingsPanel::show(std::vector<Reading> readings) {
     viewport()->update();
 }
 
+void ReadingsPanel::setLongestValue(const QString& value) {
+    longestValue_ = value;
+    measure();
+    updateGeometry();
+}
+
 void ReadingsPanel::measure() {
     const int widest = fontMetrics().horizontalAdvance(QString(kMostDigits, u'0'));
+    valueWidth_ = std::max(valueWidth_, fontMetrics().horizontalAdvance(longestValue_));
     for (const Reading& reading : readings_) {
         nameWidth_ = std::max(nameWidth_, fontMetrics().horizontalAdvance(reading.name));
         valueWidth_ = std::max(valueWidth_, std::min(fontMetrics().horizontalAdvance(reading.value), widest));

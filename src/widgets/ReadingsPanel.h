@@ -28,6 +28,9 @@ public:
     void show(std::vector<Reading> readings);
     using QAbstractScrollArea::show;
 
+    /// The longest value to expect: with room for it the picture does not jump when it comes.
+    void setLongestValue(const QString& value);
+
     /// How many readings belong side by side: columns are a multiple of that, where two of them fit. 1 at
     /// first.
     void setGroup(int readings) { group_ = readings; }
@@ -55,6 +58,7 @@ private:
 
     std::vector<Reading> readings_;
     int group_ = 1;
+    QString longestValue_;
     int nameWidth_ = 0; ///< of the widest; they never shrink, so that columns stay where they are
     int valueWidth_ = 0;
 };
