@@ -79,7 +79,7 @@ void SpectrumMeasuring::setLevelText(std::function<QString(double)> levelText) {
 }
 
 void SpectrumMeasuring::update() {
-    if (!view_.isVisible() || !view_.updatesEnabled())
+    if (!view_.isVisible() || !view_.updatesEnabled() || view_.window()->isMinimized())
         return;
     const bool isDue = !lastReading_.isValid() || lastReading_.hasExpired(kReadingInterval);
     // A new size may be prepared while its first spectrum is still being collected.
