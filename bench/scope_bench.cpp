@@ -37,12 +37,7 @@ void captureOfOneBuffer(benchmark::State& state) {
 }
 BENCHMARK(captureOfOneBuffer)->Unit(benchmark::kMicrosecond);
 
-/// 10000 samples of both channels, whose triggers are found at once or not at all.
-void searchesAndPoints(benchmark::State& state) {
-    // Each search writes a line to the log: keep it from covering the figures, but let it cost its time.
-    std::FILE* const log = std::freopen("/dev/null", "w", stderr);
-    const ScopeControls controls = longestTraces(static_cast<double>(state.range(0)));
-    state.SetLabel(state.range(0) == 0 ? "triggered" : "no trigger");
+void buildTraces(benchmark::State& state, const ScopeControls& controls) {
     ScopeCapture capture(controls, [] {});
     capture.capture(sawtooth());
     capture.capture(sawtooth());
@@ -51,6 +46,14 @@ void searchesAndPoints(benchmark::State& state) {
         trace.build(controls, capture, 1500, 600);
         benchmark::DoNotOptimize(trace.line(1).data());
     }
+}
+
+/// 10000 samples of both channels, whose triggers are found at once or not at all.
+void searchesAndPoints(benchmark::State& state) {
+    // Each search writes a line to the log: keep it from covering the figures, but let it cost its time.
+    std::FILE* const log = std::freopen("/dev/null", "w", stderr);
+    state.SetLabel(state.range(0) == 0 ? "triggered" : "no trigger");
+    buildTraces(state, longestTraces(static_cast<double>(state.range(0))));
     if (log == nullptr)
         state.SkipWithError("the log could not be silenced");
 }
@@ -61,14 +64,7 @@ void steadyPoints(benchmark::State& state) {
     ScopeControls controls = longestTraces(0);
     controls.sweep = static_cast<double>(state.range(0));
     controls.steady = 1;
-    ScopeCapture capture(controls, [] {});
-    capture.capture(sawtooth());
-    capture.capture(sawtooth());
-    ScopeTrace trace;
-    for (auto _ : state) {
-        trace.build(controls, capture, 1500, 600);
-        benchmark::DoNotOptimize(trace.line(1).data());
-    }
+    buildTraces(state, controls);
 }
 BENCHMARK(steadyPoints)->Arg(10000)->Arg(1000)->Unit(benchmark::kMicrosecond);
 

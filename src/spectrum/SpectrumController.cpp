@@ -76,7 +76,9 @@ void SpectrumController::awakeFromNib() {
     stored_.restore();
     showUse();
     doFFTSize();
-    takeMeasuringControls();
+    takeChannel();
+    doAverage();
+    takeQuestion();
     connect(&bargraphTimer_, &QTimer::timeout, this, &SpectrumController::updateBargraph);
     source_->startSound();
     bargraphTimer_.start(kMeterInterval);
@@ -244,21 +246,23 @@ void SpectrumController::connectMeasuring() {
     connect(ui_->averagePopup, &QComboBox::activated, this, &SpectrumController::doAverage);
     connect(ui_->averageCountText, &QLineEdit::textChanged, this, &SpectrumController::doAverage);
     connect(ui_->holdButton, &QPushButton::clicked, this, &SpectrumController::doHold);
-    connect(ui_->harmonicsCheckbox, &QCheckBox::clicked, measuring_.get(),
-            &SpectrumMeasuring::setHarmonicsListed);
-    connect(ui_->fundamentalText, &QLineEdit::textChanged, this, &SpectrumController::takeMeasuringControls);
-    connect(ui_->mainsPopup, &QComboBox::activated, this, &SpectrumController::takeMeasuringControls);
+    connect(ui_->harmonicsCheckbox, &QCheckBox::clicked, this, &SpectrumController::takeQuestion);
+    connect(ui_->fundamentalText, &QLineEdit::textChanged, this, &SpectrumController::takeQuestion);
+    connect(ui_->mainsPopup, &QComboBox::activated, this, &SpectrumController::takeQuestion);
     connect(source_.get(), &InputSource::calibrationChanged, this, &SpectrumController::calibrate);
     calibrate();
     connect(source_.get(), &InputSource::aboutToStart, this,
             [this] { clearOverlays("the input has changed"); });
 }
 
-void SpectrumController::takeMeasuringControls() {
+void SpectrumController::takeChannel() {
     const auto fold = static_cast<ChannelFold>(std::max(ui_->channelPopup->currentIndex(), 0));
     analysis_.setFold(fold);
     source_->setFold(fold);
-    doAverage();
+}
+
+/// What is asked of each spectrum.
+void SpectrumController::takeQuestion() {
     measuring_->setHarmonicsListed(ui_->harmonicsCheckbox->isChecked());
     const double fundamental = ui_->fundamentalText->doubleValue();
     measuring_->setFundamental(fundamental > 0.0 ? std::optional(fundamental) : std::nullopt);
@@ -301,7 +305,7 @@ void SpectrumController::calibrate() {
 }
 
 void SpectrumController::doChannel() {
-    takeMeasuringControls();
+    takeChannel();
     analysis_.startAfresh();
     clearOverlays("the channel has changed");
 }

@@ -59,7 +59,8 @@ private:
     void makeRulers();
     void makeOverlayMenu();
     void connectMeasuring();
-    void takeMeasuringControls();
+    void takeChannel();
+    void takeQuestion();
     void takeSpectrum();
     void capture(std::span<const std::int16_t> interleaved);
     void clearOverlays(const QString& reason);

@@ -92,8 +92,12 @@ void SpectrumMeasuring::update() {
     }
     const double from = display_.logMode != 0 ? 1.0 : display_.spectrumStartFreq;
     const double to = display_.logMode != 0 ? std::pow(10.0, kSpectrumDecades) : display_.spectrumEndFreq;
-    if (std::exchange(question_.fromHz, from) != from || std::exchange(question_.toHz, to) != to)
+    const bool isRange = std::isfinite(from) && std::isfinite(to); // else it would be another each time
+    if (isRange && (question_.fromHz != from || question_.toHz != to)) {
+        question_.fromHz = from;
+        question_.toHz = to;
         asksAnew_ = true;
+    }
     const bool isAsked = std::exchange(asksAnew_, false);
     if (isAsked) {
         readings_ = reader_.read(question_);

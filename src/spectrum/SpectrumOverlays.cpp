@@ -81,8 +81,10 @@ void SpectrumOverlays::columnLevels(const Trace& trace, const PlotRect& bounds,
 void SpectrumOverlays::build(SpectrumOverlay overlay, const PlotRect& bounds, const SpectrumDisplay& display,
                              std::vector<PlotPoint>& line) {
     line.clear();
+    if (!isAsked(overlay))
+        return;
     const Trace trace = traceOf(overlay);
-    if (!isAsked(overlay) || trace.power.empty())
+    if (trace.power.empty())
         return;
     const SpectrumGeometry geometry = spectrumGeometry(bounds, display, trace.fftSize);
     columnLevels(trace, bounds, display, levels_);

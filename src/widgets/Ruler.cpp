@@ -39,7 +39,9 @@ void Ruler::describe() {
 }
 
 void Ruler::setAxis(const Axis& axis) {
-    if (axis == std::exchange(axis_, axis))
+    // One that is not a number differs from itself, and would be taken for a new one each time.
+    const Axis shown = axis.isDrawable() ? axis : Axis{0, 0};
+    if (shown == std::exchange(axis_, shown))
         return;
     describe();
     update();
