@@ -13,8 +13,6 @@
 #include "widgets/TypedValue.h"
 
 #include <QDateTime>
-#include <QDir>
-#include <QFileInfo>
 #include <QShortcut>
 #include <QTextDocument>
 
@@ -37,17 +35,6 @@ constexpr double kFirstMinDb = 25.0;
 constexpr int kLeastStoredLog2 = 7;
 constexpr int kMenuSizes = 12;
 constexpr int kRulerInterval = 250; // ms
-constexpr auto kTimeName = "yyyy-MM-dd-HH.mm.ss";
-constexpr FileKind kFullPictures{"WATERFALL_pictureFolder", QStandardPaths::PicturesLocation, "", ""};
-
-/// A new name in a folder, from the clock.
-QString newPicturePath(const QDir& folder) {
-    const QString stem = QDateTime::currentDateTime().toString(kTimeName);
-    QString path = folder.filePath(stem + ".png");
-    for (int count = 2; QFileInfo::exists(path); ++count)
-        path = folder.filePath(QString("%1-%2.png").arg(stem).arg(count));
-    return path;
-}
 
 } // namespace
 
@@ -58,7 +45,8 @@ WaterfallController::WaterfallController(SoundSystem& system, Preferences& prefe
       ui_(std::make_unique<Ui::WaterfallWindow>()),
       image_(std::make_unique<WaterfallImage>(parameters_, log_)),
       analysis_(parameters_, *image_, log_),
-      measurement_(parameters_) {
+      measurement_(parameters_),
+      fullPictures_(parameters_, *image_, preferences) {
     ui_->setupUi(&window_);
     levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->analysisStrip, ui_->measurementStrip,
                                  ui_->pictureStrip, ui_->slowStrip});
@@ -291,8 +279,8 @@ void WaterfallController::addHints(Hints& hints) const {
     warn(findings.hasEqualLevels, "Min and Max dB are equal: there are two colours only");
     warn(findings.hasEqualLimits, "From and to are equal: all rows show the same frequency");
     warn(findings.showsOldRows, "What lies above 22050 Hz is old: nothing can be heard there");
-    if (!savingTrouble_.isEmpty())
-        hints.push_back({Hint::Urgency::Warning, savingTrouble_});
+    if (!fullPictures_.trouble().isEmpty())
+        hints.push_back({Hint::Urgency::Warning, fullPictures_.trouble()});
 }
 
 void WaterfallController::showDroppedSamples() {
@@ -355,7 +343,7 @@ void WaterfallController::doPlayThru() {
 
 void WaterfallController::doTimestamp() {
     systemLog("doTimestamp");
-    ui_->filenameText->setText(QDateTime::currentDateTime().toString(kTimeName) + ".png");
+    ui_->filenameText->setText(QDateTime::currentDateTime().toString(kPictureTimeName) + ".png");
 }
 
 void WaterfallController::doUploadButton() {
@@ -414,43 +402,22 @@ void WaterfallController::refreshRulers() {
     rulers_->refresh();
 }
 
-QString WaterfallController::pictureFolder() const {
-    const QString chosen = preferences_.path(kFullPictures.folderKey);
-    return chosen.isEmpty() ? QStandardPaths::writableLocation(kFullPictures.firstFolder) : chosen;
-}
-
 void WaterfallController::choosePictureFolder() {
-    if (!askForFolder(&window_, preferences_, kFullPictures, "Choose folder for full pictures"))
-        return;
-    savingTrouble_.clear();
-    showPictureFolder();
+    if (fullPictures_.chooseFolder(window_))
+        showPictureFolder();
 }
 
 void WaterfallController::showPictureFolder() {
-    const QString tip = QString("Full pictures are saved to %1").arg(pictureFolder());
+    const QString tip = QString("Full pictures are saved to %1").arg(fullPictures_.folder());
     ui_->pictureFolderButton->setToolTip(Qt::convertFromPlainText(tip));
     ui_->pictureFolderButton->setAccessibleDescription(tip);
 }
 
-/// Each slow column comes into one picture, also while nobody looks.
 void WaterfallController::saveFullPicture() {
-    const ColumnNumber scrolled = image_->scrolled();
-    const double slowSamples = parameters_.slowSamples();
-    if (!ui_->savePicturesButton->isChecked() || slowSamples == 0.0) {
-        savedUpTo_ = scrolled;
-        savingTrouble_.clear();
-        return;
-    }
-    // Several short columns may come at once: room for those of half a second.
-    const auto width = static_cast<ColumnNumber>(image_->bounds().width);
-    const auto spare = static_cast<ColumnNumber>(kSampleRate / 2.0 / slowSamples);
-    if (width == 0 || scrolled - savedUpTo_ < width - spare)
-        return;
-    savedUpTo_ = scrolled;
-    const QString path = newPicturePath(pictureFolder());
-    const QString said = writeFile(path, ui_->mainView->ReturnPNG(), "Picture saved to %1");
-    savingTrouble_ = QFileInfo::exists(path) ? QString() : said;
-    source_->showNotice(said);
+    const QString said = fullPictures_.saveWhenFull(ui_->savePicturesButton->isChecked(),
+                                                    [this] { return ui_->mainView->ReturnPNG(); });
+    if (!said.isEmpty())
+        source_->showNotice(said);
 }
 
 } // namespace sonotrace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "waterfall/FullPictures.h"
 #include "waterfall/WaterfallAnalysis.h"
 #include "waterfall/WaterfallImage.h"
 #include "waterfall/WaterfallMeasurement.h"
@@ -75,7 +76,6 @@ private:
     void showDroppedSamples();
     void refreshRulers();
     void takeSlowSeconds();
-    QString pictureFolder() const;
     void showPictureFolder();
     void saveFullPicture();
 
@@ -87,6 +87,7 @@ private:
     const std::unique_ptr<WaterfallImage> image_; ///< several megabytes
     WaterfallAnalysis analysis_;
     WaterfallMeasurement measurement_;
+    FullPictures fullPictures_;
     std::atomic<std::int32_t> redrawAsked_{0}; ///< by the capture thread, and not yet heard
     std::unique_ptr<InputSource> source_;
     QTimer bargraphTimer_;
@@ -94,8 +95,6 @@ private:
     std::unique_ptr<WaterfallRulers> rulers_;
     QElapsedTimer sinceRefresh_; ///< of the rulers
     QElapsedTimer pause_;        ///< not valid while there is none
-    ColumnNumber savedUpTo_ = 0; ///< WaterfallImage::scrolled() when the last full picture was saved
-    QString savingTrouble_;      ///< with that picture; empty for none
 };
 
 } // namespace sonotrace
