@@ -21,7 +21,7 @@ void RowBins::setScale(const Scale& scale) {
     if (scale == scale_)
         return;
     scale_ = scale;
-    rows_ = std::min(static_cast<std::size_t>(std::ceil(scale.height)), kMostRows);
+    rows_ = rowsOf(scale.height);
     const double binWidth = kSampleRate / scale.len;
     const double step = (scale.endFreq - scale.startFreq) / static_cast<double>(scale.height);
     for (std::size_t y = 0; y <= rows_; ++y)

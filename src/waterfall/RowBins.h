@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -29,6 +30,9 @@ public:
     void setScale(const Scale& scale);
 
     /// One for each whole or begun point of the height.
+    static std::size_t rowsOf(float height) {
+        return std::min(static_cast<std::size_t>(std::ceil(height)), kMostRows);
+    }
     std::size_t rows() const { return rows_; }
 
     /// The mean of the row's bins if there are at least two, otherwise the bin it begins in.

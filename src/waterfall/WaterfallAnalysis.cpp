@@ -159,6 +159,7 @@ ColumnSource WaterfallAnalysis::source(double samples) const {
     return {.samples = samples,
             .window = parameters_.waterfallWindowType.load(std::memory_order_relaxed),
             .channel = channel_,
+            .speedup = std::max(pass_.speedup, 1),
             .merge = -1};
 }
 

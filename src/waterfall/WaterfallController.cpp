@@ -97,7 +97,8 @@ void WaterfallController::setUpAdditions() {
     ui_->controlRows->setMaximumWidth(ui_->pictureGrid->maximumSize().width());
     for (const char* title : kChannelFoldTitles)
         ui_->channelPopup->addItem(title);
-    ui_->mergePopup->addItems({"Maximum", "Power mean"});
+    for (const char* title : kLineMergeTitles)
+        ui_->mergePopup->addItem(title);
     ui_->slowText->setStepLimits(0.0, kMostSlowSeconds);
     for (const auto& [key, owner] : std::initializer_list<std::pair<QKeySequence, QWidget*>>{
              {Qt::CTRL | Qt::Key_Space, &window_}, {Qt::Key_P, ui_->mainView}}) {

@@ -82,14 +82,19 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
     AudibleRange audible;
     double previous = std::numeric_limits<double>::quiet_NaN();
     std::uint32_t pixel = 0;
+    std::uint16_t hundredths = 0;
     std::array<std::uint32_t, RowBins::kMostRows> words; // of the rows, the last one at the end
+    std::array<std::uint16_t, RowBins::kMostRows> levels;
     for (std::size_t y = 0; y < bins_.rows(); ++y) {
         const double value = bins_.value(magnitudes, y);
         if (value != previous) { // with few bins many rows share one, and a logarithm is what costs
             previous = value;
-            pixel = pixels[static_cast<std::size_t>(scale.step(value))];
+            const double decibels = LevelScale::decibels(value);
+            pixel = pixels[static_cast<std::size_t>(scale.stepAt(decibels))];
+            hundredths = LevelScale::hundredths(decibels);
         }
         words[words.size() - 1 - y] = pixel;
+        levels[y] = hundredths;
         statistics.addMagnitude(value);
         audible.add(LevelScale::audible(value));
     }
@@ -97,8 +102,11 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
         offscreen_.scrollRows(bins_.rows(), scroll);
         scrolled_.store(scrolled() + scroll, kRelaxed);
     }
-    number(scrolled() + column, {static_cast<float>(LevelScale::decibels(audible.smallest)),
-                                 static_cast<float>(LevelScale::decibels(audible.largest)), minDB, maxDB});
+    number(scrolled() + column);
+    kept_.keep(scrolled() + column,
+               {static_cast<float>(LevelScale::decibels(audible.smallest)),
+                static_cast<float>(LevelScale::decibels(audible.largest)), minDB, maxDB},
+               scale_, std::span(levels).first(bins_.rows()));
     if (paints)
         offscreen_.paintColumn(std::span(words).last(bins_.rows()), column);
     // The level follows the magnitude upward, or downward with crossed limits: its extremes are at the ends.
@@ -107,10 +115,10 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
     log_.add(statistics.logRecord());
 }
 
-/// Notes what a column is, and where the columns begin that it can be compared with.
-void WaterfallImage::number(ColumnNumber column, const ColumnLevels& levels) {
+/// Notes where the columns begin that it can be compared with.
+void WaterfallImage::number(ColumnNumber column) {
     constexpr auto kRelaxed = std::memory_order_relaxed;
-    const Scale last = std::exchange(lastScale_, scale_);
+    const ColumnScale last = std::exchange(lastScale_, scale_);
     const bool hadGap = std::exchange(hasGap_, false);
     if (samplesPerColumn() > 0.0) { // not the first: there is something left of it
         const auto beginUnless = [column](bool isSame, std::atomic<ColumnNumber>& begin) {
@@ -123,31 +131,12 @@ void WaterfallImage::number(ColumnNumber column, const ColumnLevels& levels) {
         beginUnless(!hadGap, gapEnd_);
     }
     samplesPerColumn_.store(scale_.source.samples, kRelaxed);
-    KeptLevels& kept = levels_[slot(column)];
-    kept.column.store(kNone, kRelaxed); // a reader in between finds nothing rather than a mixture
-    kept.lowestDb.store(levels.lowestDb, std::memory_order_release);
-    kept.highestDb.store(levels.highestDb, std::memory_order_release);
-    kept.minDB.store(levels.minDB, std::memory_order_release);
-    kept.maxDB.store(levels.maxDB, std::memory_order_release);
-    kept.column.store(column, std::memory_order_release);
 }
 
 std::optional<std::int32_t> WaterfallImage::stepAt(std::int32_t row, std::int32_t column) const {
     if (row < 0 || row >= ScrollingBitmap::kHeight || column < 0 || column >= ScrollingBitmap::kWidth)
         return std::nullopt;
     return colors_.stepOf(offscreen_.word(row, (offscreen_.origin(row) + column) % ScrollingBitmap::kWidth));
-}
-
-std::optional<ColumnLevels> WaterfallImage::levels(ColumnNumber column) const {
-    constexpr auto kAcquire = std::memory_order_acquire;
-    const KeptLevels& kept = levels_[slot(column)];
-    if (kept.column.load(kAcquire) != column)
-        return std::nullopt;
-    const ColumnLevels levels{kept.lowestDb.load(kAcquire), kept.highestDb.load(kAcquire),
-                              kept.minDB.load(kAcquire), kept.maxDB.load(kAcquire)};
-    if (kept.column.load(std::memory_order_relaxed) != column)
-        return std::nullopt;
-    return levels;
 }
 
 } // namespace sonotrace

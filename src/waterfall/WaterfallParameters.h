@@ -5,6 +5,7 @@
 #include "base/SampleRate.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdint>
 
@@ -16,6 +17,8 @@ inline constexpr std::int32_t kLargestFrameLength = 1 << kLargestLog2Length;
 
 /// How the lines of a slow column become one, bin by bin; position in the window's menu.
 enum class LineMerge : std::int32_t { Peak, PowerMean };
+
+inline constexpr std::array<const char*, 2> kLineMergeTitles = {"Maximum", "Power mean"};
 
 // A shorter time is what the speed-up is for, and pictures that are saved when they are full would follow
 // each other in no time.
