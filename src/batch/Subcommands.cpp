@@ -23,6 +23,7 @@ struct Subcommand {
 
 constexpr Subcommand kSubcommands[] = {
     {"devices", "List the sound devices", runDevices},
+    {"render", "Write what the generators and the sweep play to a WAV file", runRender},
 };
 
 int say(const char* name, const char* message, int status) {

@@ -3,7 +3,7 @@
 #include "measure/Calibration.h"
 #include "measure/ChannelDelay.h"
 #include "measure/SignalReadings.h"
-#include "widgets/ReadingsPanel.h"
+#include "widgets/Reading.h"
 
 #include <array>
 #include <optional>

@@ -1,7 +1,7 @@
 #include "spectrum/SpectrumMeasuring.h"
 
+#include "spectrum/SpectrumWording.h"
 #include "widgets/LevelText.h"
-#include "widgets/NumberText.h"
 
 #include <cmath>
 #include <utility>
@@ -11,28 +11,8 @@ namespace sonotrace {
 namespace {
 
 constexpr qint64 kReadingInterval = 250; // ms
-constexpr double kThdIsNoise = 6.0;      // dB above what noise alone reads
 constexpr int kReach = 4;                // columns that a click may miss a tone by
 const QString kNothing = "–";
-
-QString decibels(double value) {
-    return textWithDecimals(value, 2) + " dB";
-}
-
-QString hertz(double frequency) {
-    return textWithDecimals(frequency, 2) + " Hz";
-}
-
-QString ratio(const std::optional<double>& value) {
-    return value ? decibels(*value) : kNothing;
-}
-
-/// Also as a part of the fundamental.
-QString distortion(const std::optional<double>& value) {
-    if (!value)
-        return kNothing;
-    return QString("%1 (%2 %)").arg(decibels(*value)).arg(100.0 * std::pow(10.0, *value / 20.0), 0, 'g', 3);
-}
 
 } // namespace
 
@@ -107,55 +87,12 @@ void SpectrumMeasuring::update() {
         showPointer();
 }
 
-QString SpectrumMeasuring::level(const std::optional<double>& levelDbfs) const {
-    return levelDbfs ? levelText_(*levelDbfs) : kNothing;
-}
-
-QString SpectrumMeasuring::toneText(const std::optional<SpectrumTone>& tone) const {
-    if (!tone)
-        return kNothing;
-    const bool isAveraged = analysis_.summedBlocks() > 1 && analysis_.maxPower() > 0.0; // else it is silent
-    return hertz(tone->frequencyHz) + "  " +
-           (tone->levelDbfs ? levelText_(*tone->levelDbfs)
-            : isAveraged    ? QString("averaged away")
-                            : kNothing);
+bool SpectrumMeasuring::isAveraged() const {
+    return analysis_.summedBlocks() > 1 && analysis_.maxPower() > 0.0; // else it is silent
 }
 
 void SpectrumMeasuring::showReadings() {
-    const SpectrumReadings& now = readings_;
-    const auto floor = now.noiseFloorDbfs ? levelText_(*now.noiseFloorDbfs) + "/bin" : kNothing;
-    const bool isThdNoise = now.thdDb && now.thdNoiseDb && *now.thdDb - *now.thdNoiseDb < kThdIsNoise;
-    std::vector<Reading> shown = {
-        {question_.fundamentalHz ? "Fundamental" : "Peak",
-         toneText(question_.fundamentalHz ? now.fundamental : now.peak),
-         "Frequency and level of the strongest tone, or of the one near the frequency typed: a lone sine is "
-         "read "
-         "to 0.0001 of a bin and 0.001 dB"},
-        {"THD", (isThdNoise ? "≤ " : "") + distortion(now.thdDb),
-         "Harmonics 2 to 10 below 22050 Hz, to the fundamental. \"≤\": as good as all of it is noise"},
-        {"THD+N", distortion(now.thdPlusNoiseDb),
-         "Harmonics and noise from 0 to 22050 Hz, to the fundamental"},
-        {"SNR", ratio(now.snrDb), "Fundamental to the noise from 0 to 22050 Hz, without harmonics"},
-        {"SINAD", ratio(now.sinadDb), "Fundamental to harmonics and noise"},
-        {"Noise", level(now.noiseDbfs),
-         "Sum of the noise between From and to, without fundamental and harmonics"},
-        {"A-weighted", level(now.noiseADbfs), "The same, weighted as the ear hears it"},
-        {"Noise floor", floor, "Level of the noise in a single bin between From and to"}};
-    if (harmonicsListed_)
-        for (std::size_t i = 0; i < now.harmonics.size(); ++i)
-            shown.push_back({QString("Harmonic %1").arg(i + 2),
-                             now.harmonics[i] ? level(now.harmonics[i]->levelDbfs) : kNothing,
-                             "Level at the multiple of the fundamental's frequency"});
-    if (question_.mainsHz > 0.0) {
-        for (std::size_t i = 0; i < now.mains.size(); ++i)
-            shown.push_back(
-                {QString("Mains %1 Hz").arg(question_.mainsHz * static_cast<double>(i + 1)),
-                 now.mains[i] ? level(now.mains[i]->levelDbfs) : kNothing,
-                 "The strongest line within 0.4 % of the frequency. A dash: the FFT size is too small "
-                 "to tell the lines apart"});
-        shown.push_back({"Hum", level(now.humDbfs), "Sum of the ten lines of the mains"});
-    }
-    panel_.show(std::move(shown));
+    panel_.show(wordedSpectrum(readings_, question_, harmonicsListed_, levelText_, isAveraged()));
 }
 
 /// What the picture shows in a column: it holds all bins from the one of the column before to its own.
@@ -175,7 +112,8 @@ void SpectrumMeasuring::showPointer() {
         const auto tone = toneAt(*shownPointer_);
         const auto height = view_.traceHeight(*shownPointer_);
         if (std::isfinite(frequency))
-            pointed = hertz(frequency) + "  " + (tone ? level(tone->levelDbfs) : kNothing);
+            pointed =
+                hertzText(frequency) + "  " + (tone ? wordedLevel(tone->levelDbfs, levelText_) : kNothing);
         if (height)
             pointed += QString("  plot %1 dB").arg(plottedDecibels(view_.plotGeometry(), *height), 0, 'f', 1);
     }
@@ -189,16 +127,16 @@ void SpectrumMeasuring::showPointer() {
     }
     QString difference = kNothing;
     if (marked[0] && marked[1]) {
-        difference = hertz(marked[1]->frequencyHz - marked[0]->frequencyHz);
+        difference = hertzText(marked[1]->frequencyHz - marked[0]->frequencyHz);
         if (marked[0]->levelDbfs && marked[1]->levelDbfs)
-            difference += "  " + decibels(*marked[1]->levelDbfs - *marked[0]->levelDbfs);
+            difference += "  " + decibelText(*marked[1]->levelDbfs - *marked[0]->levelDbfs);
     }
     const QString tip =
         "Frequency, level as a sine's, and the decibels of the picture's grid. A click or Return "
         "sets mark A, another one B; the right button or Escape takes them away";
     pointerPanel_.show({{"Pointer", pointed, tip},
-                        {"A", toneText(marked[0]), tip},
-                        {"B", toneText(marked[1]), tip},
+                        {"A", wordedTone(marked[0], levelText_, isAveraged()), tip},
+                        {"B", wordedTone(marked[1], levelText_, isAveraged()), tip},
                         {"B - A", difference, "Difference of the marks' frequencies and levels"}});
 }
 

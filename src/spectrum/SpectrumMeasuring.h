@@ -45,8 +45,7 @@ private:
     void mark(int column);
     void dropMarks();
     std::optional<SpectrumTone> toneAt(int column) const;
-    QString toneText(const std::optional<SpectrumTone>& tone) const;
-    QString level(const std::optional<double>& levelDbfs) const;
+    bool isAveraged() const;
 
     const SpectrumAnalysis& analysis_;
     const SpectrumDisplay& display_;

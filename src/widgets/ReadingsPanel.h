@@ -1,18 +1,12 @@
 #pragma once
 
+#include "widgets/Reading.h"
+
 #include <QAbstractScrollArea>
 
 #include <vector>
 
 namespace sonotrace {
-
-/// A number with its name, worded for the user.
-struct Reading {
-    QString name;
-    QString value; ///< with its unit; a dash where it is not defined
-    QString tip;   ///< what it is and how far it can be trusted
-    bool operator==(const Reading&) const = default;
-};
 
 /// The numbers under a picture, in columns as wide as the widest of them. They can be copied as text, with
 /// the keys too, and are read out by screen readers. Where there are too many for the window they scroll.
