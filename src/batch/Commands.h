@@ -7,5 +7,6 @@ namespace sonotrace {
 int runDevices(int argc, char** argv);
 int runRender(int argc, char** argv);
 int runSpectrum(int argc, char** argv);
+int runWaterfall(int argc, char** argv);
 
 } // namespace sonotrace

@@ -373,13 +373,12 @@ void WaterfallController::setPaused(bool isPaused) {
 
 /// As if the user had moved the sliders.
 void WaterfallController::fitLimits() {
-    const auto levels = rulers_->readout().levelsInView();
-    if (!levels) {
+    const auto limits = rulers_->readout().fittingLimits();
+    if (!limits) {
         source_->showNotice("There is nothing in the picture yet that the limits could fit");
         return;
     }
-    const double floor = std::floor(levels->lowest);
-    const double ceiling = std::max(std::ceil(levels->highest), floor + 1.0);
+    const auto [floor, ceiling] = *limits;
     ui_->minDbSlider->enterValue(floor);
     ui_->maxDbSlider->enterValue(ceiling);
     source_->showNotice(QString("New columns are painted from %1 to %2 dB").arg(floor).arg(ceiling));

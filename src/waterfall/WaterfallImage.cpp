@@ -9,6 +9,7 @@
 #include <bit>
 #include <limits>
 #include <utility>
+#include <vector>
 
 namespace sonotrace {
 
@@ -73,8 +74,7 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
     const float minDB = parameters_.waterfallMinDB.load(kRelaxed);
     const float maxDB = parameters_.waterfallMaxDB.load(kRelaxed);
     const LevelScale scale(minDB, maxDB);
-    const auto& pixels =
-        parameters_.colorWaterfallPlot.load(kRelaxed) != 0 ? colors_.colors() : colors_.greys();
+    const auto& pixels = palette();
     const std::int32_t column = truncateToInt32(static_cast<double>(bounds.width) - offset);
     const bool scrolls = scroll > 0 && scroll < ScrollingBitmap::kWidth;
     const bool paints = column >= 0 && column < ScrollingBitmap::kWidth;
@@ -113,6 +113,30 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
     statistics.addLevel(scale.level(audible.smallest));
     statistics.addLevel(scale.level(audible.largest));
     log_.add(statistics.logRecord());
+}
+
+void WaterfallImage::repaint() {
+    const auto newest = kept_.newestScale();
+    if (!newest)
+        return;
+    const float minDB = parameters_.waterfallMinDB.load(std::memory_order_relaxed);
+    const float maxDB = parameters_.waterfallMaxDB.load(std::memory_order_relaxed);
+    const LevelScale scale(minDB, maxDB);
+    const auto& pixels = palette();
+    std::vector<std::uint16_t> levels(RowBins::rowsOf(newest->scale.rows.height));
+    std::vector<std::uint32_t> words(levels.size());
+    for (std::int32_t column = 0; column < ScrollingBitmap::kWidth; ++column) {
+        auto extremes = kept_.levels(scrolled() + column);
+        if (!extremes || !kept_.copyRows(scrolled() + column, newest->number, levels))
+            continue;
+        std::ranges::transform(levels, words.rbegin(), [&](std::uint16_t level) {
+            return pixels[static_cast<std::size_t>(scale.stepAt(level / 100.0))];
+        });
+        offscreen_.paintColumn(words, column);
+        extremes->minDB = minDB;
+        extremes->maxDB = maxDB;
+        kept_.keep(scrolled() + column, *extremes, newest->scale, levels);
+    }
 }
 
 /// Notes where the columns begin that it can be compared with.

@@ -7,6 +7,7 @@
 #include "waterfall/ScrollingBitmap.h"
 #include "waterfall/WaterfallParameters.h"
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <optional>
@@ -46,6 +47,10 @@ public:
     /// frequencies hold, only the given magnitudes are read. Capture thread.
     void drawFFTLine(std::span<const double> magnitudes, std::int32_t len, std::int32_t offset,
                      std::int32_t scroll);
+
+    /// Paints the columns in view, as far as they are of the newest one's scale, with the colours and limits
+    /// of now, from their levels as they are kept. Capture thread.
+    void repaint();
 
     /// What the next lines are made of. Capture thread.
     void setSource(const ColumnSource& source) { scale_.source = source; }
@@ -88,6 +93,10 @@ private:
     static constexpr ColumnNumber kNone = KeptColumns::kNone;
 
     void number(ColumnNumber column);
+    const std::array<std::uint32_t, 256>& palette() const {
+        const bool isColoured = parameters_.colorWaterfallPlot.load(std::memory_order_relaxed) != 0;
+        return isColoured ? colors_.colors() : colors_.greys();
+    }
 
     const WaterfallParameters& parameters_;
     DeferredLog& log_;
