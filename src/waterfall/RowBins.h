@@ -35,6 +35,9 @@ public:
     }
     std::size_t rows() const { return rows_; }
 
+    /// The bin behind the last one that a row needs.
+    std::size_t end() const { return end_; }
+
     /// The mean of the row's bins if there are at least two, otherwise the bin it begins in.
     double value(std::span<const double> magnitudes, std::size_t row) const {
         const std::size_t lo = edges_[row];
@@ -50,6 +53,7 @@ public:
 private:
     Scale scale_;
     std::size_t rows_ = 0;
+    std::size_t end_ = 0;
     std::array<std::uint32_t, kMostRows + 1> edges_{};
 };
 

@@ -55,6 +55,23 @@ WaterfallBounds WaterfallImage::bounds() const {
             std::bit_cast<float>(static_cast<std::uint32_t>(bits >> 32U))};
 }
 
+void WaterfallImage::takeScale(std::int32_t len, std::size_t bins, const WaterfallBounds& bounds) {
+    scale_.rows = {.startFreq = parameters_.waterfallStartFreq.load(std::memory_order_relaxed),
+                   .endFreq = parameters_.waterfallEndFreq.load(std::memory_order_relaxed),
+                   .height = bounds.height,
+                   .len = len,
+                   .bins = bins};
+    scale_.width = bounds.width;
+    bins_.setScale(scale_.rows);
+}
+
+std::size_t WaterfallImage::binsFor(std::int32_t len) {
+    const auto all = static_cast<std::size_t>(len);
+    takeScale(len, all, bounds());
+    const std::size_t half = all / 2 + 1;
+    return bins_.end() <= half ? half : all;
+}
+
 void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_t len, std::int32_t offset,
                                  std::int32_t scroll) {
     constexpr auto kRelaxed = std::memory_order_relaxed;
@@ -64,13 +81,7 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
         log_.add(statistics.logRecord()); // nothing to paint on yet: the line is lost
         return;
     }
-    scale_.rows = {.startFreq = parameters_.waterfallStartFreq.load(kRelaxed),
-                   .endFreq = parameters_.waterfallEndFreq.load(kRelaxed),
-                   .height = bounds.height,
-                   .len = len,
-                   .bins = magnitudes.size()};
-    scale_.width = bounds.width;
-    bins_.setScale(scale_.rows);
+    takeScale(len, magnitudes.size(), bounds);
     const float minDB = parameters_.waterfallMinDB.load(kRelaxed);
     const float maxDB = parameters_.waterfallMaxDB.load(kRelaxed);
     const LevelScale scale(minDB, maxDB);

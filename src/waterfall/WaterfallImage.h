@@ -48,6 +48,10 @@ public:
     void drawFFTLine(std::span<const double> magnitudes, std::int32_t len, std::int32_t offset,
                      std::int32_t scroll);
 
+    /// How many bins of a transform of `len` samples a line is to have now: up to half the sample rate, or
+    /// all where rows are above that. Capture thread.
+    std::size_t binsFor(std::int32_t len);
+
     /// Paints the columns in view, as far as they are of the newest one's scale, with the colours and limits
     /// of now, from their levels as they are kept. Capture thread.
     void repaint();
@@ -92,6 +96,7 @@ public:
 private:
     static constexpr ColumnNumber kNone = KeptColumns::kNone;
 
+    void takeScale(std::int32_t len, std::size_t bins, const WaterfallBounds& bounds);
     void number(ColumnNumber column);
     const std::array<std::uint32_t, 256>& palette() const {
         const bool isColoured = parameters_.colorWaterfallPlot.load(std::memory_order_relaxed) != 0;
