@@ -1,5 +1,7 @@
 #include "batch/PowerCollector.h"
 
+#include "base/WideVectors.h"
+
 #include <algorithm>
 #include <thread>
 #include <utility>
@@ -15,12 +17,25 @@ unsigned workerCount() {
     return std::clamp(std::thread::hardware_concurrency(), 1U, kMostWorkers);
 }
 
+/// Divided first, as in the analyzer.
+SONOTRACE_WIDE_VECTORS void weigh(const double* sum, const double* window, double blocks, std::size_t points,
+                                  double* weighted) {
+    for (std::size_t i = 0; i < points; ++i)
+        weighted[i] = sum[i] / blocks * window[i];
+}
+
+SONOTRACE_WIDE_VECTORS void collect(const double* spectrum, std::size_t bins, double* sum, double* highest) {
+    for (std::size_t k = 0; k < bins; ++k) {
+        const double power = spectrum[2 * k] * spectrum[2 * k] + spectrum[2 * k + 1] * spectrum[2 * k + 1];
+        sum[k] += power;
+        highest[k] = highest[k] < power ? power : highest[k];
+    }
+}
+
 } // namespace
 
 struct PowerCollector::Worker {
     RealTransform transform;
-    std::vector<double> weighted;
-    std::vector<double> power;
     std::vector<double> sum;
     std::vector<double> highest;
 };
@@ -30,12 +45,17 @@ PowerCollector::PowerCollector(std::span<const double> window, std::int32_t bloc
       scale_(blocks),
       spectraPerJob_(std::max<std::size_t>(1, kSamplesPerJob / window.size())),
       jobs_(2 * workerCount()),
+      spare_(5 * workerCount()),
       workers_(workerCount()) {
     // Plans are made by this thread: the library makes one at a time.
     for (Worker& worker : workers_) {
-        worker.weighted.resize(window.size());
-        worker.transform.power(worker.weighted, worker.power);
+        worker.transform.input(window.size());
+        worker.sum.resize(window.size() / 2 + 1);
+        worker.highest.resize(worker.sum.size());
     }
+    for (unsigned i = 0; i < 4 * workerCount(); ++i)
+        spare_.push({});
+    takeRoom();
     for (Worker& worker : workers_)
         threads_.push_back(std::async(std::launch::async, [this, &worker] { work(worker); }));
 }
@@ -51,26 +71,31 @@ void PowerCollector::add(std::span<const double> blockSum) {
         hand();
 }
 
-void PowerCollector::hand() {
-    const std::uint64_t number = next_.number;
-    jobs_.push(std::exchange(next_, Job{.number = number + 1, .sums = {}}));
+void PowerCollector::takeRoom() {
+    next_.sums = spare_.pop().value_or(std::vector<double>());
+    next_.sums.clear();
     next_.sums.reserve(spectraPerJob_ * window_.size());
 }
 
+void PowerCollector::hand() {
+    const std::uint64_t number = next_.number;
+    jobs_.push(std::move(next_));
+    next_.number = number + 1;
+    takeRoom();
+}
+
 void PowerCollector::work(Worker& worker) {
-    while (const auto job = jobs_.pop()) {
-        worker.sum.assign(worker.power.size(), 0.0);
-        worker.highest.assign(worker.power.size(), 0.0);
-        for (std::span<const double> rest(job->sums); !rest.empty(); rest = rest.subspan(window_.size())) {
-            for (std::size_t i = 0; i < window_.size(); ++i)
-                worker.weighted[i] = rest[i] / scale_ * window_[i];
-            worker.transform.power(worker.weighted, worker.power);
-            for (std::size_t k = 0; k < worker.power.size(); ++k) {
-                worker.sum[k] += worker.power[k];
-                worker.highest[k] = std::max(worker.highest[k], worker.power[k]);
-            }
+    const std::size_t points = window_.size();
+    while (auto job = jobs_.pop()) {
+        std::ranges::fill(worker.sum, 0.0);
+        std::ranges::fill(worker.highest, 0.0);
+        for (std::size_t at = 0; at < job->sums.size(); at += points) {
+            weigh(&job->sums[at], window_.data(), scale_, points, worker.transform.input(points).data());
+            collect(worker.transform.transform().data(), worker.sum.size(), worker.sum.data(),
+                    worker.highest.data());
         }
         merge(job->number, worker.sum, worker.highest);
+        spare_.push(std::move(job->sums));
     }
 }
 

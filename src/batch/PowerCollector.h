@@ -41,6 +41,7 @@ private:
     };
     struct Worker;
 
+    void takeRoom();
     void hand();
     void work(Worker& worker);
     void merge(std::uint64_t number, std::span<const double> sum, std::span<const double> highest);
@@ -50,6 +51,7 @@ private:
     const std::size_t spectraPerJob_;
     Job next_;
     BlockQueue<Job> jobs_;
+    BlockQueue<std::vector<double>> spare_; ///< room for sums that has been used before
     std::vector<Worker> workers_;
     std::vector<std::future<void>> threads_;
 
