@@ -24,6 +24,7 @@ struct Subcommand {
 constexpr Subcommand kSubcommands[] = {
     {"devices", "List the sound devices", runDevices},
     {"render", "Write what the generators and the sweep play to a WAV file", runRender},
+    {"spectrum", "Measure the spectrum and the levels of a sound file", runSpectrum},
     {"waterfall", "Paint the waterfall of a recording", runWaterfall},
 };
 

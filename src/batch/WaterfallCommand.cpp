@@ -1,19 +1,19 @@
 #include "base/SampleRate.h"
 #include "base/SystemLog.h"
 #include "batch/AudioFile.h"
-#include "batch/BlockQueue.h"
 #include "batch/CommandError.h"
 #include "batch/CommandLine.h"
 #include "batch/Commands.h"
 #include "batch/OutputFile.h"
 #include "batch/Progress.h"
+#include "batch/ReadAhead.h"
+#include "batch/StandardStreams.h"
 #include "waterfall/PictureFile.h"
 #include "waterfall/RecordedWaterfall.h"
 #include "waterfall/WaterfallTable.h"
 
 #include <bit>
 #include <cmath>
-#include <future>
 #include <string>
 #include <vector>
 
@@ -21,20 +21,17 @@ namespace sonotrace {
 
 namespace {
 
-constexpr std::size_t kBlockSamples = std::size_t{1} << 17U;
-constexpr std::size_t kBlocksAhead = 4;
-constexpr double kMostSeconds = 1e9;
-constexpr std::array<const char*, 4> kChannelWords = {"sum", "left", "right", "difference"};
-
-using Block = std::vector<std::int16_t>;
+constexpr double kLongest = 1e9;                                                             // s
+constexpr std::array<const char*, 4> kChannelWords = {"sum", "left", "right", "difference"}; // as ChannelFold
 
 void addArguments(CommandLine& line) {
-    line.addArgument("IN", "Sound file to read; - is standard input.");
+    line.addArgument("IN", "Sound file (WAV, FLAC, AIFF and others); - is standard input.");
     line.addOption({"csv"}, "F", "Write the lines of the picture as a table.");
     line.addOption({"raw"}, "F", "Write the bare picture as PNG, 1536 x 1024 pixels.");
     line.addOption({"fft-size"}, "N", "Samples of a transform, a power of two from 64 to 131072.", "8192");
-    line.addOption({"window"}, "WINDOW", "Data window: " + listedChoices(kFftWindowTitles) + ".", "hann");
-    line.addOption({"channel"}, "CHANNEL", "What is analysed: " + listedChoices(kChannelWords) + ".", "left");
+    line.addOption({"window"}, "NAME", "Data window: " + listedChoices(kFftWindowTitles) + ".", "hann");
+    line.addOption({"channel"}, "NAME", listedChoices(kChannelWords) + " (left + right, left - right).",
+                   "left");
     line.addOption(
         {"speedup"}, "S",
         "Lines for the samples of a transform, a column each; of a long recording the last ones "
@@ -51,9 +48,9 @@ void addArguments(CommandLine& line) {
                    "Level where the colours begin, in the picture's own decibels. Default: what fits.");
     line.addOption({"max-db"}, "DB", "Level where the colours end. Default: what fits.");
     line.addFlag({"grey"}, "Paint in grey.");
-    line.addOption({"start"}, "S", "Seconds to leave out at the beginning.", "0");
-    line.addOption({"seconds"}, "S", "Seconds to read at most. Default: all.");
-    line.addFlag({"resample"}, "Convert a recording of another rate than 44100 Hz.");
+    line.addOption({"start"}, "S", "Leave out so many seconds at the beginning.", "0");
+    line.addOption({"seconds"}, "S", "Read no more than so many seconds.");
+    line.addFlag({"resample"}, "Convert a file of another rate than 44100 Hz instead of refusing it.");
 }
 
 std::int32_t log2LengthOf(const CommandLine& line) {
@@ -88,37 +85,37 @@ RecordedWaterfallSettings settingsOf(const CommandLine& line) {
     return settings;
 }
 
-/// Reads on this thread, paints on another one.
-void paint(RecordedWaterfall& waterfall, AudioFile& file) {
-    BlockQueue<Block> read(kBlocksAhead);
-    BlockQueue<Block> spare(kBlocksAhead + 2);
-    for (std::size_t i = 0; i < kBlocksAhead + 2; ++i)
-        spare.push(Block(kBlockSamples));
-    const auto painting = std::async(std::launch::async, [&] {
-        while (auto block = read.pop()) {
-            waterfall.add(*block);
-            block->resize(kBlockSamples);
-            spare.push(std::move(*block));
-        }
-    });
-    const auto frames = file.frames();
-    Progress progress(frames ? std::optional(static_cast<double>(*frames) / kSampleRate) : std::nullopt);
-    double done = 0;
-    try {
-        while (auto block = spare.pop()) {
-            block->resize(2 * file.read(*block));
-            if (block->empty())
-                break;
-            done += static_cast<double>(block->size() / 2);
-            read.push(std::move(*block));
-            progress.update(done / kSampleRate);
-        }
-    } catch (...) {
-        read.abandon();
-        throw;
+/// Frames whose channels are together beyond 16 bits.
+std::size_t wrappedFrames(std::span<const std::int16_t> interleaved, ChannelFold channel) {
+    if (channel == ChannelFold::Left || channel == ChannelFold::Right)
+        return 0;
+    const int sign = channel == ChannelFold::Sum ? 1 : -1;
+    std::size_t wrapped = 0;
+    for (std::size_t i = 0; i + 1 < interleaved.size(); i += 2) {
+        const int together = interleaved[i] + sign * interleaved[i + 1];
+        wrapped += together < INT16_MIN || together > INT16_MAX ? 1 : 0;
     }
-    read.finish();
-    painting.wait();
+    return wrapped;
+}
+
+void paint(RecordedWaterfall& waterfall, AudioFile& file, ChannelFold channel) {
+    const auto total = file.frames();
+    Progress progress(total ? std::optional(static_cast<double>(*total) / kSampleRate) : std::nullopt);
+    std::size_t frames = 0;
+    std::size_t wrapped = 0;
+    readAhead<std::int16_t>(file, [&](std::span<const std::int16_t> interleaved) {
+        waterfall.add(interleaved);
+        wrapped += wrappedFrames(interleaved, channel);
+        frames += interleaved.size() / 2;
+        progress.update(static_cast<double>(frames) / kSampleRate);
+    });
+    if (!waterfall.finish())
+        throw CommandError(file.name() + " holds " + std::to_string(frames) + " samples: a line needs " +
+                           std::to_string(waterfall.parameters().frameLength()) + " (FFT size)");
+    if (wrapped > 0)
+        warn(std::string("the ") + kChannelWords[static_cast<std::size_t>(channel)] +
+             " of the channels is beyond 16 bits in " + std::to_string(wrapped) +
+             " samples, and wraps around as in the waterfall's window");
 }
 
 } // namespace
@@ -133,8 +130,8 @@ int runWaterfall(int argc, char** argv) {
     if (!line.isSet("csv") && !line.isSet("raw"))
         throw CommandError("nothing is to be written: give --csv or --raw (try --help)", kWrongArguments);
     silenceSystemLog();
-    AudioFile file(line.argumentPath(0), {.startSeconds = line.number("start", 0.0, kMostSeconds),
-                                          .seconds = line.numberIfSet("seconds", 0.0, kMostSeconds),
+    AudioFile file(line.argumentPath(0), {.startSeconds = line.number("start", 0.0, kLongest),
+                                          .seconds = line.numberIfSet("seconds", 0.0, kLongest),
                                           .resamples = line.isSet("resample")});
     std::optional<OutputFile> csv;
     std::optional<OutputFile> raw;
@@ -142,10 +139,7 @@ int runWaterfall(int argc, char** argv) {
         if (line.isSet(option))
             output->emplace(line.path(option));
     RecordedWaterfall waterfall(settings, file.frames());
-    paint(waterfall, file);
-    if (!waterfall.finish())
-        throw CommandError(file.name() + " is too short: a line takes " +
-                           std::to_string(1 << settings.log2Length) + " samples (--fft-size)");
+    paint(waterfall, file, settings.channel);
     if (csv)
         csv->write(waterfallTable(linesInView(waterfall.image()), {}));
     if (raw) {
