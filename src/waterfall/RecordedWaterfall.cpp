@@ -13,11 +13,6 @@ namespace {
 
 constexpr auto kRelaxed = std::memory_order_relaxed;
 
-/// Lines come at least as often as columns.
-std::int32_t speedupFor(double samplesPerColumn, std::int32_t length) {
-    return static_cast<std::int32_t>(std::clamp(std::ceil(length / samplesPerColumn), 1.0, double(length)));
-}
-
 } // namespace
 
 ColumnPlan planColumns(const RecordedWaterfallSettings& settings, std::optional<std::uint64_t> frames) {
@@ -25,23 +20,24 @@ ColumnPlan planColumns(const RecordedWaterfallSettings& settings, std::optional<
     ColumnPlan plan{.speedup = settings.speedup.value_or(1), .slowSeconds = 0, .width = settings.width};
     if (settings.secondsPerColumn) {
         plan.slowSeconds = *settings.secondsPerColumn;
-        plan.speedup = settings.speedup.value_or(speedupFor(plan.slowSeconds * kSampleRate, length));
+        const double lines =
+            std::ceil(length / (plan.slowSeconds * kSampleRate)); // one for a column at least
+        plan.speedup =
+            settings.speedup.value_or(static_cast<std::int32_t>(std::clamp(lines, 1.0, double(length))));
         return plan;
     }
-    const auto passes = static_cast<double>(frames.value_or(0) / static_cast<std::uint64_t>(length));
-    if (settings.speedup || passes < 1.0)
+    const std::uint64_t passes = frames.value_or(0) / static_cast<std::uint64_t>(length);
+    if (settings.speedup || passes == 0)
         return plan;
-    plan.speedup = speedupFor(static_cast<double>(*frames) / settings.width, length);
-    const double hop = length / plan.speedup;
-    // Less by a trifle, so that the last column is there whatever its sum is rounded to.
-    const double samplesPerColumn = passes * plan.speedup * hop / settings.width * (1.0 - 1e-12);
-    if (samplesPerColumn >= kLeastSlowSeconds * kSampleRate) {
-        plan.slowSeconds = samplesPerColumn / kSampleRate;
-        return plan;
-    }
-    // So many lines that none is left out.
-    plan.speedup = std::clamp(static_cast<std::int32_t>(settings.width / passes), 1, length);
-    plan.width = std::min(settings.width, static_cast<std::int32_t>(passes) * plan.speedup);
+    const auto width = static_cast<std::uint64_t>(settings.width);
+    const std::uint64_t linesPerColumn = (passes + width - 1) / width;
+    // Columns of equally many lines, and no wider a picture than they fill.
+    plan.width = static_cast<std::int32_t>(passes / linesPerColumn);
+    if (linesPerColumn > 1) // less a trifle, so that no rounding makes it a line more
+        plan.slowSeconds = static_cast<double>(linesPerColumn) * length / kSampleRate * (1.0 - 1e-12);
+    plan.speedup = static_cast<std::int32_t>(std::min<std::uint64_t>(
+        std::max<std::uint64_t>(width / passes, 1), static_cast<std::uint64_t>(length)));
+    plan.width = std::min(settings.width, plan.width * plan.speedup);
     return plan;
 }
 
@@ -51,6 +47,7 @@ RecordedWaterfall::RecordedWaterfall(const RecordedWaterfallSettings& settings,
           return std::chrono::steady_clock::time_point(); // there is always time for all lines
       }) {
     const ColumnPlan plan = planColumns(settings, frames);
+    parameters_.leastSlowSeconds = 0.0;
     parameters_.waterfallFftLen.store(std::ldexp(1.0, settings.log2Length), kRelaxed);
     parameters_.fftSizeLog2.store(settings.log2Length, kRelaxed);
     parameters_.log2SampleLength.store(settings.log2Length, kRelaxed);

@@ -17,15 +17,15 @@ struct RecordedWaterfallSettings {
     FftWindowType window = 1;
     ChannelFold channel = ChannelFold::Left;
     LineMerge merge = LineMerge::Peak;
-    double startFreq = 0.0;     ///< Hz
-    double endFreq = 22050.0;   ///< Hz
-    std::optional<float> minDB; ///< limits of the colours; otherwise those of the levels
-    std::optional<float> maxDB;
+    double startFreq = 0.0;          ///< Hz
+    double endFreq = 22050.0;        ///< Hz
+    std::optional<float> minDB = {}; ///< limits of the colours; otherwise those of the levels
+    std::optional<float> maxDB = {};
     bool isColoured = true;
     std::int32_t width = ScrollingBitmap::kWidth;   ///< points, at most
     std::int32_t height = ScrollingBitmap::kHeight; ///< points
-    std::optional<std::int32_t> speedup;            ///< lines for the samples of a transform
-    std::optional<double> secondsPerColumn;         ///< of slow columns
+    std::optional<std::int32_t> speedup = {};       ///< lines for the samples of a transform
+    std::optional<double> secondsPerColumn = {};    ///< of slow columns
 };
 
 /// How the columns come.

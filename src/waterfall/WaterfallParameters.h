@@ -44,6 +44,7 @@ struct WaterfallParameters {
     std::atomic<ChannelFold> channel{ChannelFold::Sum};
     std::atomic<std::int32_t> paused{0};               ///< by the button, whatever the speed-up
     std::atomic<double> slowSeconds{0.0};              ///< a column; 0 and below: a column is a line
+    double leastSlowSeconds = kLeastSlowSeconds;       ///< set before lines are drawn
     std::atomic<LineMerge> lineMerge{LineMerge::Peak}; ///< of the lines of a slow column
 
     /// N as a number of samples that fits every buffer, whatever is stored. Any thread.
@@ -59,7 +60,7 @@ struct WaterfallParameters {
         const double seconds = slowSeconds.load(std::memory_order_relaxed);
         if (!(seconds > 0.0)) // also not a number
             return 0.0;
-        return std::clamp(seconds, kLeastSlowSeconds, kMostSlowSeconds) * kSampleRate;
+        return std::clamp(seconds, leastSlowSeconds, kMostSlowSeconds) * kSampleRate;
     }
 };
 
