@@ -35,8 +35,8 @@ ColumnPlan planColumns(const RecordedWaterfallSettings& settings, std::optional<
     plan.width = static_cast<std::int32_t>(passes / linesPerColumn);
     if (linesPerColumn > 1) // less a trifle, so that no rounding makes it a line more
         plan.slowSeconds = static_cast<double>(linesPerColumn) * length / kSampleRate * (1.0 - 1e-12);
-    plan.speedup = static_cast<std::int32_t>(std::min<std::uint64_t>(
-        std::max<std::uint64_t>(width / passes, 1), static_cast<std::uint64_t>(length)));
+    plan.speedup = static_cast<std::int32_t>(
+        std::clamp<std::uint64_t>(width / passes, 1, static_cast<std::uint64_t>(length)));
     plan.width = std::min(settings.width, plan.width * plan.speedup);
     return plan;
 }
