@@ -57,13 +57,15 @@ bool CommandLine::parse(int argc, char** argv) {
     std::string name = "sonotrace";
     if (argc > 1)
         name += std::string(" ") + argv[1];
-    std::vector<char*> words{name.data()};
+    QStringList words{QString::fromStdString(name)};
     for (int i = 2; i < argc; ++i)
-        words.push_back(argv[i]);
-    int count = static_cast<int>(words.size());
-    words.push_back(nullptr);
-    const QCoreApplication shell(count, words.data());
-    const bool isParsed = parser_.parse(QCoreApplication::arguments());
+        words.append(QString::fromLocal8Bit(argv[i]));
+    char* shellWords[] = {name.data(), nullptr};
+    int count = 1;
+    std::optional<QCoreApplication> shell; // only the help needs it
+    if (!QCoreApplication::instance())
+        shell.emplace(count, shellWords);
+    const bool isParsed = parser_.parse(words);
     if (parser_.isSet("help")) {
         printOut(parser_.helpText().toStdString());
         return false;
