@@ -5,5 +5,6 @@ namespace sonotrace {
 /// The subcommands. `argv[1]` is the name of the subcommand. They give the exit status or throw a
 /// CommandError.
 int runDevices(int argc, char** argv);
+int runMeasure(int argc, char** argv);
 
 } // namespace sonotrace

@@ -23,6 +23,7 @@ struct Subcommand {
 
 constexpr Subcommand kSubcommands[] = {
     {"devices", "List the sound devices", runDevices},
+    {"measure", "Play, listen, and print a response, distortion or noise", runMeasure},
 };
 
 int say(const char* name, const char* message, int status) {
