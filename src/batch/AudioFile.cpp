@@ -13,7 +13,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <system_error>
 #include <type_traits>
 #include <unistd.h>
 #include <utility>
@@ -87,7 +86,7 @@ void AudioFile::openFile() {
     descriptor_ = isStandardInput_ ? STDIN_FILENO : open(name_.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY);
     struct stat there {};
     if (descriptor_ < 0 || fstat(descriptor_, &there) != 0)
-        throw CommandError(name_ + " cannot be read: " + std::generic_category().message(errno));
+        failToRead(name_, errno);
     if (S_ISDIR(there.st_mode))
         throw CommandError(name_ + " is a folder");
     if (S_ISREG(there.st_mode) && there.st_size == 0)

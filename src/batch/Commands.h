@@ -6,5 +6,7 @@ namespace sonotrace {
 /// CommandError.
 int runDevices(int argc, char** argv);
 int runMeasure(int argc, char** argv);
+int runRender(int argc, char** argv);
+int runSpectrum(int argc, char** argv);
 
 } // namespace sonotrace

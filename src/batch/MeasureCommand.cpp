@@ -7,6 +7,7 @@
 #include "batch/DeviceChoice.h"
 #include "batch/OutputFile.h"
 #include "batch/PlayAndListen.h"
+#include "batch/Progress.h"
 #include "batch/ResponseText.h"
 #include "batch/SpectrumJson.h"
 #include "batch/StandardStreams.h"
@@ -177,7 +178,14 @@ int measureResponseOf(const CommandLine& line) {
     if (line.isSet("csv"))
         csv.emplace(line.path("csv"));
     question.settleSeconds = bench.settleSeconds();
-    const auto points = measureResponse(bench.streams(), question, [](int, int) {});
+    std::optional<Progress> progress;
+    const double roundSeconds = question.settleSeconds + kToneBlock / kSampleRate;
+    const auto points = measureResponse(bench.streams(), question, [&](int done, int all) {
+        if (!progress)
+            progress.emplace(all * roundSeconds);
+        progress->update(done * roundSeconds);
+    });
+    progress.reset();
     const auto isHeard = [](const ResponsePoint& point) { return point.gainDb[0] || point.gainDb[1]; };
     if (std::ranges::none_of(points, isHeard))
         throw CommandError("no tone stands out of the noise: is the input connected, and its volume up?");

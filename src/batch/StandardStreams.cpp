@@ -33,6 +33,11 @@ void failToWrite(std::string_view name, int systemError) {
                        " cannot be written: " + std::generic_category().message(systemError));
 }
 
+void failToRead(std::string_view name, int systemError) {
+    throw CommandError(std::string(name) +
+                       " cannot be read: " + std::generic_category().message(systemError));
+}
+
 void printOut(std::string_view text) {
     if (const int error = writeAll(STDOUT_FILENO, text))
         failToWrite("the output", error);

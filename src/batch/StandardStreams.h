@@ -11,8 +11,8 @@ void printOut(std::string_view text);
 /// A line on standard error about something that does not end the work.
 void warn(std::string_view sentence);
 
-/// Ends the work because what is written to standard output, or to `name`, cannot be: for the reason that the
-/// system gave.
+/// End the work because `name` cannot be written or read, for the reason that the system gave.
 [[noreturn]] void failToWrite(std::string_view name, int systemError);
+[[noreturn]] void failToRead(std::string_view name, int systemError);
 
 } // namespace sonotrace

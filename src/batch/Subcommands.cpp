@@ -24,6 +24,7 @@ struct Subcommand {
 constexpr Subcommand kSubcommands[] = {
     {"devices", "List the sound devices", runDevices},
     {"measure", "Play, listen, and print a response, distortion or noise", runMeasure},
+    {"render", "Write what the generators and the sweep play to a WAV file", runRender},
 };
 
 int say(const char* name, const char* message, int status) {
