@@ -7,6 +7,7 @@ namespace sonotrace {
 int runDevices(int argc, char** argv);
 int runMeasure(int argc, char** argv);
 int runRender(int argc, char** argv);
+int runScope(int argc, char** argv);
 int runSpectrum(int argc, char** argv);
 
 } // namespace sonotrace

@@ -1,0 +1,41 @@
+#include "batch/ScopeJson.h"
+
+namespace sonotrace {
+
+namespace {
+
+constexpr double kFullScale = 32768.0;
+
+QJsonValue value(const std::optional<double>& number) {
+    return number ? QJsonValue(*number) : QJsonValue(QJsonValue::Null);
+}
+
+QJsonObject channelJson(const SignalReadings& read) {
+    QJsonObject object{{"maximum", read.maximum / kFullScale}, {"minimum", read.minimum / kFullScale},
+                       {"mean", read.mean / kFullScale},       {"rms", read.rms / kFullScale},
+                       {"frequencyHz", QJsonValue::Null},      {"periods", QJsonValue::Null},
+                       {"dutyPerCent", QJsonValue::Null}};
+    if (read.period) {
+        object["frequencyHz"] = read.period->frequencyHz;
+        object["periods"] = read.period->periods;
+        object["dutyPerCent"] = read.period->dutyPerCent;
+    }
+    return object;
+}
+
+} // namespace
+
+QJsonObject scopeJson(const ScopeBlockReadings& readings) {
+    QJsonValue delay = QJsonValue::Null;
+    if (readings.delay)
+        delay = QJsonObject{{"delaySeconds", readings.delay->delaySeconds},
+                            {"correlation", readings.delay->correlation},
+                            {"ambiguous", readings.delay->ambiguous},
+                            {"periodSeconds", value(readings.delay->periodSeconds)},
+                            {"phaseDegrees", value(readings.delay->phaseDegrees)}};
+    return {{"left", channelJson(readings.channels[0])},
+            {"right", channelJson(readings.channels[1])},
+            {"rightBehindLeft", delay}};
+}
+
+} // namespace sonotrace
