@@ -8,8 +8,8 @@
 #include "batch/OutputFile.h"
 #include "batch/PlayAndListen.h"
 #include "batch/Progress.h"
+#include "batch/ReadingsJson.h"
 #include "batch/ResponseText.h"
-#include "batch/SpectrumJson.h"
 #include "batch/StandardStreams.h"
 #include "batch/ToneResponse.h"
 #include "measure/CleanFrequency.h"
@@ -128,8 +128,8 @@ void printReadings(const CommandLine& line, const Bench& bench, const char* kind
     const QJsonObject all{{"measurement", kind},
                           {"output", QString::fromStdString(bench.output())},
                           {"input", QString::fromStdString(bench.input())},
-                          {"left", spectrumJson(readings[0], question)},
-                          {"right", spectrumJson(readings[1], question)}};
+                          {"left", jsonOf(readings[0])},
+                          {"right", jsonOf(readings[1])}};
     printOut(QJsonDocument(all).toJson().toStdString());
 }
 

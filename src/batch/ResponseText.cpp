@@ -1,6 +1,7 @@
 #include "batch/ResponseText.h"
 
 #include "base/CsvText.h"
+#include "batch/ReadingsJson.h"
 #include "widgets/NumberText.h"
 
 #include <QDateTime>
@@ -57,14 +58,11 @@ std::string responseTable(std::span<const ResponsePoint> points, const ResponseC
 }
 
 std::string responseJson(std::span<const ResponsePoint> points, const ResponseConditions& conditions) {
-    const auto value = [](const std::optional<double>& gain) {
-        return gain ? QJsonValue(*gain) : QJsonValue(QJsonValue::Null);
-    };
     QJsonArray list;
     for (const ResponsePoint& point : points)
         list.append(QJsonObject{{"frequencyHz", point.frequencyHz},
-                                {"leftDb", value(point.gainDb[0])},
-                                {"rightDb", value(point.gainDb[1])}});
+                                {"leftDb", jsonOf(point.gainDb[0])},
+                                {"rightDb", jsonOf(point.gainDb[1])}});
     const QJsonObject all{{"measurement", "response"},
                           {"output", QString::fromStdString(conditions.output)},
                           {"input", QString::fromStdString(conditions.input)},

@@ -1,14 +1,12 @@
 #include "batch/ScopeJson.h"
 
+#include "batch/ReadingsJson.h"
+
 namespace sonotrace {
 
 namespace {
 
 constexpr double kFullScale = 32768.0;
-
-QJsonValue value(const std::optional<double>& number) {
-    return number ? QJsonValue(*number) : QJsonValue(QJsonValue::Null);
-}
 
 QJsonObject channelJson(const SignalReadings& read) {
     QJsonObject object{{"maximum", read.maximum / kFullScale}, {"minimum", read.minimum / kFullScale},
@@ -31,8 +29,8 @@ QJsonObject scopeJson(const ScopeBlockReadings& readings) {
         delay = QJsonObject{{"delaySeconds", readings.delay->delaySeconds},
                             {"correlation", readings.delay->correlation},
                             {"ambiguous", readings.delay->ambiguous},
-                            {"periodSeconds", value(readings.delay->periodSeconds)},
-                            {"phaseDegrees", value(readings.delay->phaseDegrees)}};
+                            {"periodSeconds", jsonOf(readings.delay->periodSeconds)},
+                            {"phaseDegrees", jsonOf(readings.delay->phaseDegrees)}};
     return {{"left", channelJson(readings.channels[0])},
             {"right", channelJson(readings.channels[1])},
             {"rightBehindLeft", delay}};

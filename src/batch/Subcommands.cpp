@@ -26,6 +26,7 @@ constexpr Subcommand kSubcommands[] = {
     {"measure", "Play, listen, and print a response, distortion or noise", runMeasure},
     {"render", "Write what the generators and the sweep play to a WAV file", runRender},
     {"scope", "Read levels, frequency and delay of a file as the oscilloscope does", runScope},
+    {"spectrum", "Measure the spectrum and the levels of a sound file", runSpectrum},
 };
 
 int say(const char* name, const char* message, int status) {
