@@ -105,6 +105,8 @@ void AudioFile::openFile() {
     const auto leastBytes = static_cast<std::uint64_t>(std::max(channels_, 1));
     if (isSeekable_ || frames < kUnknownBytes / (8 * leastBytes))
         fileFrames_ = frames;
+    if (frames == 0)
+        throw CommandError(name_ + " holds no samples");
 }
 
 void AudioFile::checkFormat(bool resamples) const {
@@ -132,8 +134,6 @@ void AudioFile::setRange(const AudioFileOptions& options) {
         return static_cast<std::uint64_t>(std::llround(std::min(seconds * rate_, 9e18)));
     };
     const std::uint64_t start = inFile(options.startSeconds);
-    if (fileFrames_ && *fileFrames_ == 0)
-        throw CommandError(name_ + " holds no samples");
     if (fileFrames_ && start >= *fileFrames_)
         throw CommandError(name_ + " is only " + secondsText(static_cast<double>(*fileFrames_), rate_) +
                            " long");

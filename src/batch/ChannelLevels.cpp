@@ -53,7 +53,7 @@ double ChannelLevel::rmsDbfs() const {
 void ChannelLevels::add(std::span<const std::int16_t> interleaved) {
     Piece piece;
     measure(interleaved.data(), interleaved.size() / 2, piece);
-    bool isHigh = runs_[0] + runs_[1] > 0;
+    bool isHigh = runs_[0].length + runs_[1].length > 0;
     for (std::size_t channel = 0; channel < 2; ++channel) {
         peaks_[channel] = std::max(peaks_[channel], static_cast<double>(piece.peaks[channel]));
         squares_[channel] += static_cast<double>(piece.squares[channel]);
@@ -65,7 +65,7 @@ void ChannelLevels::add(std::span<const std::int16_t> interleaved) {
 }
 
 void ChannelLevels::add(std::span<const double> interleaved) {
-    bool isHigh = runs_[0] + runs_[1] > 0;
+    bool isHigh = runs_[0].length + runs_[1].length > 0;
     for (std::size_t channel = 0; channel < 2; ++channel) {
         double peak = 0;
         double squares = 0;
@@ -85,9 +85,14 @@ void ChannelLevels::add(std::span<const double> interleaved) {
 template <typename Sample>
 void ChannelLevels::countClips(std::span<const Sample> interleaved) {
     for (std::size_t i = 0; i < interleaved.size(); ++i) {
-        int& run = runs_[i % 2];
-        run = std::abs(static_cast<double>(interleaved[i])) >= kHighest ? std::min(run, kClippedRun) + 1 : 0;
-        if (run == kClippedRun)
+        const auto sample = static_cast<double>(interleaved[i]);
+        Run& run = runs_[i % 2];
+        if (std::abs(sample) < kHighest)
+            run.length = 0;
+        else
+            run.length = run.length > 0 && run.sample == sample ? std::min(run.length, kClippedRun) + 1 : 1;
+        run.sample = sample;
+        if (run.length == kClippedRun)
             ++clips_[i % 2];
     }
 }

@@ -11,7 +11,7 @@ namespace sonotrace {
 struct ChannelLevel {
     double peak = 0; ///< the largest magnitude
     double rms = 0;
-    std::uint64_t clips = 0; ///< how often it stood at full scale for three samples or more
+    std::uint64_t clips = 0; ///< how often it stood still at full scale for three samples or more
 
     /// 0 dBFS is a sine with a peak of 32768: minus infinity for silence.
     double peakDbfs() const;
@@ -37,7 +37,12 @@ private:
     std::array<double, 2> peaks_{};
     std::array<double, 2> squares_{};
     std::array<std::uint64_t, 2> clips_{};
-    std::array<int, 2> runs_{}; ///< samples that have been at full scale up to now
+    /// Samples up to now that are all the same, at full scale or beyond.
+    struct Run {
+        int length = 0;
+        double sample = 0;
+    };
+    std::array<Run, 2> runs_{};
 };
 
 } // namespace sonotrace

@@ -131,11 +131,15 @@ QString textLine(const QString& name, const QString& value) {
     return name.leftJustified(14) + value + "\n";
 }
 
+QString clipText(std::uint64_t clips) {
+    return clips == 0 ? "not clipped"
+                      : QString("clipped in %1 place%2").arg(clips).arg(clips == 1 ? "" : "s");
+}
+
 QString levelLine(const ChannelLevel& level) {
     const auto dbfs = [](double value) { return levelText({}, value); };
     return QString("peak %1  RMS %2  %3")
-        .arg(dbfs(level.peakDbfs()), dbfs(level.rmsDbfs()),
-             level.clips == 0 ? QString("not clipped") : QString("clipped in %1 places").arg(level.clips));
+        .arg(dbfs(level.peakDbfs()), dbfs(level.rmsDbfs()), clipText(level.clips));
 }
 
 std::string asText(const Request& request, const AudioFile& file, const FileSpectra& spectra,
