@@ -1,5 +1,7 @@
 #include "app/Arguments.h"
 
+#include "batch/Subcommands.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -38,7 +40,9 @@ std::optional<Arguments> readArguments(int argc, char** argv, int& status) {
     QCommandLineParser parser;
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     parser.setApplicationDescription(
-        "Audio test bench: signal generators, spectrum, waterfall, oscilloscope.");
+        "Audio test bench: signal generators, spectrum, waterfall, oscilloscope.\n\n"
+        "Subcommands, which need no display and have each a --help of its own:\n" +
+        QString::fromStdString(listSubcommands()));
     parser.addOption({{"h", "help"}, "Say what the options are, and quit."});
     parser.addOption({{"v", "version"}, "Say which version this is, and quit."});
     parser.addOption({"audio", "Sound system to use: pulse or loopback.", "system"});
@@ -56,7 +60,7 @@ std::optional<Arguments> readArguments(int argc, char** argv, int& status) {
     parser.addPositionalArgument("settings", "Settings file to open.", "[settings]");
 
     const bool parsed = parser.parse(QCoreApplication::arguments());
-    const auto choice = soundSystemChoice(parser.value("audio"));
+    const auto choice = soundSystemChoice(parser.value("audio").toStdString());
     const QStringList files = parser.positionalArguments();
     status = 0;
     if (!parsed)

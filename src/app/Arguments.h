@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/SoundSystemChoice.h"
+#include "platform/SoundSystemChoice.h"
 
 #include <QString>
 

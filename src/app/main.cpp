@@ -5,6 +5,7 @@
 #include "app/Resources.h"
 #include "app/WindowControl.h"
 #include "base/SystemLog.h"
+#include "batch/Subcommands.h"
 #include "widgets/Preferences.h"
 #include "widgets/WindowVisibility.h"
 
@@ -59,6 +60,8 @@ int main(int argc, char** argv) {
     qInstallMessageHandler(logToolkitMessage);
     QCoreApplication::setApplicationName("Sonotrace");
     QCoreApplication::setApplicationVersion(SONOTRACE_VERSION);
+    if (const auto ended = runSubcommand(argc, argv))
+        return *ended;
     int status = 0;
     const auto arguments = readArguments(argc, argv, status);
     if (!arguments)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstdint>
@@ -17,6 +18,17 @@ struct GeneratorSettings {
     std::int32_t waveform = 0; ///< a WaveformType
     std::int32_t enabled = 0;  ///< 1 on, 0 off
 };
+
+/// What is played of settings out of range.
+inline constexpr double kLeastFrequency = 0.1; ///< Hz
+inline constexpr double kMostFrequency = 22000.0;
+inline constexpr double kMostPhase = 360.0; ///< degrees, to either side
+
+inline GeneratorSettings withinLimits(GeneratorSettings settings) {
+    settings.frequency = std::clamp(settings.frequency, kLeastFrequency, kMostFrequency);
+    settings.phase = std::clamp(settings.phase, -kMostPhase, kMostPhase);
+    return settings;
+}
 
 /// One generator's settings, written by the window thread and read by the audio thread. A value changed while
 /// a buffer is rendered may apply to that buffer or to the next.

@@ -29,10 +29,6 @@ constexpr int kRowHeight = 30;
 constexpr int kCaptionY = 20;
 constexpr int kPanelWidth = 750;
 
-constexpr double kLeastFrequency = 0.1;
-constexpr double kMostFrequency = 22000.0;
-constexpr double kMostPhase = 360.0;
-
 constexpr int kEnabledTag = 100;
 constexpr int kWaveformTag = 200;
 constexpr int kFrequencyTag = 300;

@@ -17,16 +17,23 @@ void RealTransform::plan(std::size_t size) {
     size_ = size;
 }
 
-void RealTransform::power(std::span<const double> samples, std::vector<double>& power) {
-    if (samples.size() != size_)
-        plan(samples.size());
-    std::ranges::copy(samples, input_.get());
+std::span<double> RealTransform::input(std::size_t size) {
+    if (size != size_)
+        plan(size);
+    return {input_.get(), size_};
+}
+
+std::span<const double> RealTransform::transform() {
     fftw_execute(plan_.get());
-    power.resize(size_ / 2 + 1);
-    for (std::size_t k = 0; k < power.size(); ++k) {
-        const double* const value = output_[k];
-        power[k] = value[0] * value[0] + value[1] * value[1];
-    }
+    return {output_[0], 2 * (size_ / 2 + 1)};
+}
+
+void RealTransform::power(std::span<const double> samples, std::vector<double>& power) {
+    std::ranges::copy(samples, input(samples.size()).data());
+    const std::span<const double> spectrum = transform();
+    power.resize(spectrum.size() / 2);
+    for (std::size_t k = 0; k < power.size(); ++k)
+        power[k] = spectrum[2 * k] * spectrum[2 * k] + spectrum[2 * k + 1] * spectrum[2 * k + 1];
 }
 
 } // namespace sonotrace

@@ -17,6 +17,11 @@ public:
     /// size.
     void power(std::span<const double> samples, std::vector<double>& power);
 
+    /// The same without copies: the place for `size` samples, and then their spectrum, re and im of bins 0 to
+    /// N / 2 in turn. Valid until the next call.
+    std::span<double> input(std::size_t size);
+    std::span<const double> transform();
+
 private:
     void plan(std::size_t size);
 

@@ -2,10 +2,9 @@
 
 #include "platform/SoundSystem.h"
 
-#include <QString>
-
 #include <memory>
 #include <optional>
+#include <string_view>
 
 namespace sonotrace {
 
@@ -16,7 +15,7 @@ enum class SoundSystemChoice {
 };
 
 /// Reads the value of the command line's --audio; empty is Automatic, an unknown word is nothing.
-std::optional<SoundSystemChoice> soundSystemChoice(const QString& word);
+std::optional<SoundSystemChoice> soundSystemChoice(std::string_view word);
 
 std::unique_ptr<SoundSystem> openSoundSystem(SoundSystemChoice choice);
 

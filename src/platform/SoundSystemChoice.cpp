@@ -1,4 +1,4 @@
-#include "app/SoundSystemChoice.h"
+#include "platform/SoundSystemChoice.h"
 
 #include "base/SystemLog.h"
 #include "platform/loopback/LoopbackSystem.h"
@@ -12,8 +12,8 @@ namespace {
 constexpr std::chrono::milliseconds kServerPatience{1500};
 }
 
-std::optional<SoundSystemChoice> soundSystemChoice(const QString& word) {
-    if (word.isEmpty())
+std::optional<SoundSystemChoice> soundSystemChoice(std::string_view word) {
+    if (word.empty())
         return SoundSystemChoice::Automatic;
     if (word == "pulse")
         return SoundSystemChoice::Pulse;
