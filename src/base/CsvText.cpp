@@ -37,8 +37,11 @@ void CsvText::value(double number, int decimals) {
     std::array<char, 330> digits; // of the largest number, its sign, point and decimals
     const auto [end, error] = std::to_chars(digits.data(), digits.data() + digits.size(), number,
                                             std::chars_format::fixed, decimals);
-    if (error == std::errc())
-        text_.append(digits.data(), end);
+    if (error != std::errc())
+        return;
+    const std::string_view written(digits.data(), end);
+    const bool isZero = written.find_first_not_of("-0.") == std::string_view::npos;
+    text_ += written.substr(isZero && written.starts_with('-') ? 1 : 0);
 }
 
 void CsvText::endRow() {

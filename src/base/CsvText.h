@@ -21,6 +21,7 @@ public:
     void columns(std::span<const std::string> names);
 
     /// A cell with `decimals` (0 to 17) digits behind the point, empty where the number is not finite.
+    /// What is rounded to 0 has no sign.
     void value(double number, int decimals);
     void endRow();
 

@@ -23,7 +23,9 @@ struct Subcommand {
 
 constexpr Subcommand kSubcommands[] = {
     {"devices", "List the sound devices", runDevices},
+    {"measure", "Play, listen, and print a response, distortion or noise", runMeasure},
     {"render", "Write what the generators and the sweep play to a WAV file", runRender},
+    {"scope", "Read levels, frequency and delay of a file as the oscilloscope does", runScope},
     {"spectrum", "Measure the spectrum and the levels of a sound file", runSpectrum},
     {"waterfall", "Paint the waterfall of a recording", runWaterfall},
 };

@@ -301,8 +301,8 @@ void ScopeController::showRulers() {
     const ScopeView& view = *ui_->mainView;
     timeRuler_->setAxis(view.trace().timeAxis());
     std::vector<RulerMark> marks;
-    for (std::size_t i = 0; view.areCursorsShown() && i < ScopeView::kCursorNames.size(); ++i)
-        marks.push_back({cursor(i).milliseconds, ScopeView::kCursorNames[i], ScopeView::kCursorColours[i]});
+    for (std::size_t i = 0; view.areCursorsShown() && i < kScopeCursorNames.size(); ++i)
+        marks.push_back({cursor(i).milliseconds, kScopeCursorNames[i], kScopeCursorColours[i]});
     timeRuler_->setMarks(std::move(marks));
     const std::string_view unit = unitName(linearUnit(source_->calibration().unit));
     const auto fullScale = instantaneousValue(source_->calibration(), 1.0);

@@ -1,21 +1,16 @@
 #include "scope/ScopeView.h"
 
-#include <QImage>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <utility>
 
 namespace sonotrace {
 
 namespace {
-
-/// Above so many samples a point the picture is painted column by column.
-constexpr std::size_t kDenseTrace = 2;
 
 constexpr int kFastKeys = 10; ///< points a key moves a cursor with Shift
 
@@ -43,57 +38,11 @@ void ScopeView::paintEvent(QPaintEvent*) {
     isNew_ = false;
     if (controls_ && !isOnlyCursor)
         trace_.build(*controls_, *capture_, width(), height());
-    const std::size_t corners = trace_.line(0).size(); // one more than samples
-    painter.save();
-    if (corners > kDenseTrace * static_cast<std::size_t>(width()) + 1)
-        paintColumns(painter);
-    else
-        paintLines(painter);
-    painter.restore();
+    painter_.paint(painter, size(), trace_);
     if (areCursorsShown_)
-        paintCursors(painter);
+        painter_.paintCursors(painter, size(), cursors_,
+                              hasFocus() ? std::optional(activeCursor_) : std::nullopt);
     Q_EMIT painted();
-}
-
-void ScopeView::paintLines(QPainter& painter) {
-    painter.fillRect(rect(), Qt::black);
-    painter.translate(0, height());
-    painter.scale(1, -1);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(Qt::green, ScopeTrace::kLineWidth));
-    for (const std::int32_t ch : {0, 1}) {
-        line_.clear();
-        for (const PlotPoint& point : trace_.line(ch))
-            line_.append(QPointF(point.x, point.y));
-        painter.drawPolyline(line_);
-    }
-}
-
-void ScopeView::paintColumns(QPainter& painter) {
-    const double scale = painter.deviceTransform().m11();
-    painter.scale(1.0 / scale, 1.0 / scale);
-    block_.resize(static_cast<std::size_t>(std::ceil(height() * scale)));
-    const QImage image(reinterpret_cast<const uchar*>(block_.data()), ScopeColumns::kWidth,
-                       static_cast<int>(block_.size()), sizeof(ScopeColumns::Row), QImage::Format_RGB32);
-    const std::array lines = {trace_.line(0), trace_.line(1)};
-    for (int x = 0; x < width() * scale; x += static_cast<int>(ScopeColumns::kWidth)) {
-        columns_.paint(lines, scale, x, block_);
-        painter.drawImage(x, 0, image);
-    }
-}
-
-/// The active one is a whole line while the keys move it.
-void ScopeView::paintCursors(QPainter& painter) {
-    for (std::size_t i = 0; i < cursors_.size(); ++i) {
-        const bool isActive = hasFocus() && i == activeCursor_;
-        const double x = std::floor(cursorPlace(i)) + 0.5;
-        painter.setPen(QPen(kCursorColours[i], 0, isActive ? Qt::SolidLine : Qt::DashLine));
-        painter.drawLine(QPointF(x, 0), QPointF(x, height()));
-        const QString name = kCursorNames[i];
-        const int room = fontMetrics().horizontalAdvance(name) + 2;
-        const double left = x + 2 + room > width() ? x - room : x + 2;
-        painter.drawText(QPointF(left, fontMetrics().ascent() + 1), name);
-    }
 }
 
 void ScopeView::setCursorsShown(bool areShown) {

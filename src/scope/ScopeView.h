@@ -1,9 +1,7 @@
 #pragma once
 
-#include "scope/ScopeColumns.h"
-#include "scope/ScopeTrace.h"
+#include "scope/ScopePainter.h"
 
-#include <QPolygonF>
 #include <QWidget>
 
 #include <array>
@@ -17,9 +15,6 @@ class ScopeView : public QWidget {
     Q_OBJECT
 
 public:
-    static constexpr std::array<const char*, 2> kCursorNames = {"A", "B"};
-    static constexpr std::array<QColor, 2> kCursorColours = {QColor(255, 190, 0), QColor(0, 200, 255)};
-
     explicit ScopeView(QWidget* parent = nullptr);
 
     /// What is shown; both outlive the view. Until then the view stays empty.
@@ -34,6 +29,8 @@ public:
     /// The cursors are moved with the mouse, or one of them, the active one, with the keys.
     void setCursorsShown(bool areShown);
     bool areCursorsShown() const { return areCursorsShown_; }
+
+    const ScopeCursorPlaces& cursors() const { return cursors_; }
 
     /// Of cursor A or B, in points from the left edge.
     double cursorPlace(std::size_t cursor) const { return cursors_[cursor] * width(); }
@@ -51,9 +48,6 @@ protected:
     void focusOutEvent(QFocusEvent* event) override { focusChanged(event); }
 
 private:
-    void paintLines(QPainter& painter);
-    void paintColumns(QPainter& painter);
-    void paintCursors(QPainter& painter);
     void moveCursor(double place);
     void repaintCursors();
     void focusChanged(QFocusEvent* event);
@@ -61,11 +55,8 @@ private:
     const ScopeControls* controls_ = nullptr;
     const ScopeCapture* capture_ = nullptr;
     ScopeTrace trace_;
-    ScopeColumns columns_;
-    // Reused from redraw to redraw.
-    QPolygonF line_;
-    std::vector<ScopeColumns::Row> block_;
-    std::array<double, 2> cursors_{0.25, 0.75}; ///< part of the width
+    ScopePainter painter_;
+    ScopeCursorPlaces cursors_{0.25, 0.75};
     std::size_t activeCursor_ = 0;
     bool areCursorsShown_ = false;
     // Why there is to be a redraw; neither where the window system asks for it.

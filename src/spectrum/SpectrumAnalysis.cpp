@@ -65,6 +65,20 @@ void SpectrumAnalysis::analyze() {
     redisplay_();
 }
 
+void SpectrumAnalysis::takeSum(std::span<const double> sum, std::span<const double> weights,
+                               std::int32_t blocks) {
+    lastSize_ = sum.size();
+    fftSize_ = static_cast<double>(lastSize_);
+    windowCoeffs_.assign(weights.begin(), weights.end());
+    fftWork_.assign(2 * lastSize_, 0.0);
+    for (std::size_t i = 0; i < lastSize_; ++i)
+        fftWork_[2 * i] = sum[i];
+    avgCount_ = blocks;
+    inWork_ = blocks;
+    makeSpectrum();
+    redisplay_();
+}
+
 void SpectrumAnalysis::startAfresh() {
     ringReadIndex_ = ringWriteIndex_;
     std::ranges::fill(fftWork_, 0.0);

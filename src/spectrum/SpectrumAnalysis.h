@@ -39,6 +39,10 @@ public:
     /// FFT size.
     void capture(std::span<const std::int16_t> interleaved);
 
+    /// Makes a spectrum of `blocks` blocks, 1 or more, that were added up elsewhere, as if it had collected
+    /// them itself. The weights are as many as the sum has samples: one of kSpectrumFftSizes.
+    void takeSum(std::span<const double> sum, std::span<const double> weights, std::int32_t blocks);
+
     /// Points per transform; a size outside kSpectrumFftSizes is ignored and leaves the size as it was. This
     /// and the other settings take effect at the next block.
     void setFftSize(std::int32_t points);

@@ -1,27 +1,13 @@
 #pragma once
 
-#include "spectrum/SpectrumAnalysis.h"
-#include "spectrum/SpectrumGeometry.h"
-#include "spectrum/SpectrumOverlays.h"
-#include "spectrum/SpectrumTrace.h"
-#include "widgets/CachedTexts.h"
+#include "spectrum/SpectrumPainter.h"
 
 #include <QWidget>
 
-#include <array>
 #include <optional>
 #include <vector>
 
 namespace sonotrace {
-
-struct SpectrumGrid;
-
-/// A frequency that the user has marked.
-struct SpectrumMarker {
-    QChar letter;
-    double frequencyHz = 0;
-    bool operator==(const SpectrumMarker&) const = default;
-};
 
 /// Paints the latest spectrum, and what is asked for over it. All it paints comes as numbers from the engine,
 /// whose y grows upward. It can be pointed at with the mouse, or with the arrow keys: with Shift and the page
@@ -37,6 +23,9 @@ public:
     void setOverlays(SpectrumOverlays& overlays) { overlays_ = &overlays; }
 
     void setMarkers(std::vector<SpectrumMarker> markers);
+
+    /// What is painted over the trace at this moment.
+    SpectrumMarks marks() const;
 
     /// Where the plot lies in the view at this moment.
     SpectrumGeometry plotGeometry() const;
@@ -76,28 +65,17 @@ private:
         bool operator==(const Setting&) const = default;
     };
 
-    PlotRect plotBounds() const;
-    void buildTrace();
     void point(int column);
-    QRect traceRows() const;
-    void paintTrace(QPainter& painter) const;
-    void paintOverlays(QPainter& painter) const;
-    void paintLegend(QPainter& painter);
-    void paintMarkers(QPainter& painter);
-    void paintGrid(QPainter& painter, const SpectrumGrid& grid);
-    void paintLabel(QPainter& painter, const struct GridLabel& label);
 
     const SpectrumAnalysis* analysis_ = nullptr;
     const SpectrumDisplay* display_ = nullptr;
     SpectrumOverlays* overlays_ = nullptr;
-    SpectrumTrace trace_;
-    std::array<std::vector<PlotPoint>, kSpectrumOverlays> overlayLines_;
+    SpectrumPainter painter_;
     std::vector<SpectrumMarker> markers_;
     std::optional<int> pointer_;
     bool pointsWithKeys_ = false;    ///< then the pointer is painted
     QRect paintedRows_;              ///< of the trace on the screen
     std::optional<Setting> setting_; ///< of the last spectrum that was shown
-    CachedTexts texts_;
 };
 
 } // namespace sonotrace

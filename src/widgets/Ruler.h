@@ -1,21 +1,12 @@
 #pragma once
 
-#include "base/AxisTicks.h"
+#include "widgets/RulerPainter.h"
 
-#include <QColor>
 #include <QWidget>
 
 #include <vector>
 
 namespace sonotrace {
-
-/// A place on a ruler that is pointed at.
-struct RulerMark {
-    double value = 0; ///< on the ruler's axis; one off the axis is not shown
-    QString text;     ///< short, may be empty
-    QColor colour;
-    bool operator==(const RulerMark&) const = default;
-};
 
 /// A scale beside a picture: as long as the view it stands at, with its ticks where the view has the values.
 /// Window thread.
@@ -23,7 +14,7 @@ class Ruler : public QWidget {
     Q_OBJECT
 
 public:
-    enum class Side { Left, Bottom, Right }; ///< of the view
+    using Side = RulerSide;
 
     /// `title` says what is measured ("Frequency"); `unit` stands behind the numbers, at the axis' far end.
     Ruler(Side side, const QString& title, const QString& unit, QWidget* parent = nullptr);
@@ -47,21 +38,10 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    bool isUpright() const { return side_ != Side::Bottom; }
-    double length() const { return isUpright() ? height() : width(); }
-    double axisLength() const { return length() - before_ - behind_; }
     void describe();
-    void paintTick(QPainter& painter, const AxisTick& tick) const;
-    void paintMark(QPainter& painter, const RulerMark& mark) const;
-    void paintText(QPainter& painter, double along, const QString& text, double depth) const;
 
-    const Side side_;
     const QString title_;
-    QString unit_;
-    Axis axis_{0, 0};
-    double before_ = 0;
-    double behind_ = 0;
-    std::vector<RulerMark> marks_;
+    RulerScale scale_;
 };
 
 } // namespace sonotrace

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "platform/SoundSystem.h"
+
+#include <QString>
+
+#include <string>
+
+namespace sonotrace {
+
+/// A device that a subcommand plays on or listens to.
+struct ChosenByName {
+    std::string uid;  ///< empty: the server's default
+    std::string name; ///< for people
+};
+
+/// Finds the device that the user means: by its UID, its name, or a part of either that no other device has,
+/// whatever the letters' case. An empty text is the default device. Throws a CommandError that lists what
+/// there is.
+ChosenByName chooseInput(SoundSystem& system, const QString& text);
+ChosenByName chooseOutput(SoundSystem& system, const QString& text);
+
+} // namespace sonotrace

@@ -1,0 +1,244 @@
+#include "base/CsvText.h"
+#include "base/FftWindows.h"
+#include "base/SampleRate.h"
+#include "batch/CommandError.h"
+#include "batch/CommandLine.h"
+#include "batch/Commands.h"
+#include "batch/DeviceChoice.h"
+#include "batch/OutputFile.h"
+#include "batch/PlayAndListen.h"
+#include "batch/Progress.h"
+#include "batch/ReadingsJson.h"
+#include "batch/ResponseText.h"
+#include "batch/StandardStreams.h"
+#include "batch/ToneResponse.h"
+#include "measure/CleanFrequency.h"
+#include "measure/SpectrumReader.h"
+#include "platform/SoundSystemChoice.h"
+#include "platform/loopback/LoopbackSystem.h"
+#include "spectrum/SpectrumWording.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <thread>
+
+namespace sonotrace {
+
+namespace {
+
+constexpr const char* kKinds[] = {"response", "thd", "noise"};
+enum Kind : std::size_t { Response, Thd, Noise };
+
+constexpr std::int32_t kReadingBlock = 65536;
+constexpr FftWindowType kReadingWindow = 8; // Blackman-Nuttall
+constexpr int kFullScale = 32767;
+
+/// The devices of a measurement, and what plays and listens on them.
+class Bench {
+public:
+    explicit Bench(const CommandLine& line) {
+        const auto choice = soundSystemChoice(line.text("audio").toStdString());
+        if (!choice)
+            throw CommandError("there is no sound system \"" + line.text("audio").toStdString() + "\"",
+                               kWrongArguments);
+        // On the built-in loopback nobody has to wait for time to pass.
+        if (*choice == SoundSystemChoice::Loopback) {
+            auto loopback = std::make_unique<LoopbackSystem>(LoopbackSystem::Clock::Manual);
+            wait_ = [clock = loopback.get()] { clock->advance(4410); };
+            system_ = std::move(loopback);
+        } else {
+            wait_ = [] { std::this_thread::sleep_for(std::chrono::milliseconds(10)); };
+            system_ = openSoundSystem(*choice);
+        }
+        output_ = chooseOutput(*system_, line.text("output"));
+        input_ = chooseInput(*system_, line.text("input"));
+        streams_ =
+            std::make_unique<PlayAndListen>(*system_, PlayAndListen::Devices{output_.uid, input_.uid}, wait_);
+        settle_ = static_cast<std::size_t>(line.number("settle", 0.2, 60.0) * kSampleRate);
+    }
+
+    PlayAndListen& streams() { return *streams_; }
+    const std::string& output() const { return output_.name; }
+    const std::string& input() const { return input_.name; }
+    double settleSeconds() const { return static_cast<double>(settle_) / kSampleRate; }
+
+    /// A block of what is heard while `generators` play.
+    std::vector<std::int16_t> hear(const SettingsOfAll& generators) {
+        streams_->play(generators);
+        auto heard = streams_->listen(settle_, kReadingBlock);
+        const auto isFull = [](std::int16_t sample) { return std::abs(int{sample}) >= kFullScale; };
+        if (std::ranges::any_of(heard, isFull))
+            warn("the input reaches full scale: turn its volume, or what is played, down");
+        return heard;
+    }
+
+private:
+    std::unique_ptr<SoundSystem> system_;
+    std::function<void()> wait_;
+    ChosenByName output_;
+    ChosenByName input_;
+    std::unique_ptr<PlayAndListen> streams_;
+    std::size_t settle_ = 0;
+};
+
+std::array<SpectrumReadings, 2> readBoth(std::span<const std::int16_t> heard,
+                                         const SpectrumQuestion& question) {
+    std::vector<double> window(kReadingBlock);
+    fillWindowCoeffs(kReadingWindow, kReadingBlock, window.data());
+    std::vector<double> block(kReadingBlock);
+    std::array<SpectrumReadings, 2> readings;
+    for (std::size_t channel = 0; channel < readings.size(); ++channel) {
+        for (std::size_t i = 0; i < block.size(); ++i)
+            block[i] = heard[2 * i + channel];
+        SpectrumReader reader;
+        reader.take({block, window, 1});
+        readings[channel] = reader.read(question);
+    }
+    return readings;
+}
+
+/// The readings of both channels side by side: names, left, right.
+std::string readingsText(const std::array<SpectrumReadings, 2>& readings, const SpectrumQuestion& question,
+                         const QStringList& wanted) {
+    const auto worded = [&](const SpectrumReadings& of) {
+        const auto level = [](double levelDbfs) { return decibelText(levelDbfs) + "FS"; };
+        return wordedSpectrum(of, question, true, level, false);
+    };
+    const auto left = worded(readings[0]);
+    const auto right = worded(readings[1]);
+    QString text = QString("%1%2%3\n").arg("", -14).arg("Left", -30).arg("Right");
+    for (std::size_t i = 0; i < left.size(); ++i)
+        if (std::ranges::any_of(wanted, [&](const QString& name) { return left[i].name.startsWith(name); }))
+            text += QString("%1%2%3\n").arg(left[i].name, -14).arg(left[i].value, -30).arg(right[i].value);
+    return text.toStdString();
+}
+
+void printReadings(const CommandLine& line, const Bench& bench, const char* kind,
+                   const std::array<SpectrumReadings, 2>& readings, const SpectrumQuestion& question,
+                   const QStringList& wanted) {
+    if (!line.isSet("json")) {
+        printOut(readingsText(readings, question, wanted));
+        return;
+    }
+    const QJsonObject all{{"measurement", kind},
+                          {"output", QString::fromStdString(bench.output())},
+                          {"input", QString::fromStdString(bench.input())},
+                          {"left", jsonOf(readings[0])},
+                          {"right", jsonOf(readings[1])}};
+    printOut(QJsonDocument(all).toJson().toStdString());
+}
+
+int measureThd(const CommandLine& line) {
+    const double asked = line.number("frequency", 20.0, 10000.0);
+    const double peakDbfs = line.number("level", -120.0, 0.0);
+    const double tone[] = {nearestCleanFrequency(asked, 10000.0)};
+    Bench bench(line);
+    const auto heard = bench.hear(settingsOfTones(tone, peakDbfs));
+    const SpectrumQuestion question{.fundamentalHz = tone[0]};
+    const auto readings = readBoth(heard, question);
+    const auto isHeard = [](const SpectrumReadings& of) { return of.thdPlusNoiseDb.has_value(); };
+    if (std::ranges::none_of(readings, isHeard))
+        throw CommandError("the tone does not stand out of the noise: is the input connected, and its volume "
+                           "up?");
+    printReadings(line, bench, "thd", readings, question,
+                  {"Fundamental", "THD", "SNR", "SINAD", "Noise", "A-weighted", "Harmonic"});
+    return 0;
+}
+
+int measureNoise(const CommandLine& line) {
+    constexpr const char* kMains[] = {"none", "50", "60"};
+    constexpr double kMainsHz[] = {0.0, 50.0, 60.0};
+    const SpectrumQuestion question{.fromHz = line.number("from", 0.0, kSampleRate / 2.0),
+                                    .toHz = line.number("to", 0.0, kSampleRate / 2.0),
+                                    .mainsHz = kMainsHz[line.choice("mains", kMains)]};
+    Bench bench(line);
+    const auto heard = bench.hear({});
+    if (std::ranges::all_of(heard, [](std::int16_t sample) { return sample == 0; }))
+        warn("the input is silent, without any noise: is it muted, or its volume at 0?");
+    const auto readings = readBoth(heard, question);
+    printReadings(line, bench, "noise", readings, question, {"Peak", "Noise", "A-weighted", "Mains", "Hum"});
+    return 0;
+}
+
+int measureResponseOf(const CommandLine& line) {
+    ResponseQuestion question{.fromHz = line.number("from", 2.0, 20000.0),
+                              .toHz = line.number("to", 2.0, 22000.0),
+                              .points = line.integer("points", 1, 1000),
+                              .tonesAtOnce = line.integer("tones", 1, kGeneratorCount),
+                              .peakDbfs = line.number("level", -120.0, 0.0)};
+    if (!(question.fromHz < question.toHz))
+        throw CommandError("--from has to be below --to", kWrongArguments);
+    std::optional<OutputFile> csv;
+    Bench bench(line);
+    if (line.isSet("csv"))
+        csv.emplace(line.path("csv"));
+    question.settleSeconds = bench.settleSeconds();
+    std::optional<Progress> progress;
+    const double roundSeconds = question.settleSeconds + kToneBlock / kSampleRate;
+    const auto points = measureResponse(bench.streams(), question, [&](int done, int all) {
+        if (!progress)
+            progress.emplace(all * roundSeconds);
+        progress->update(done * roundSeconds);
+    });
+    progress.reset();
+    const auto isHeard = [](const ResponsePoint& point) { return point.gainDb[0] || point.gainDb[1]; };
+    if (std::ranges::none_of(points, isHeard))
+        throw CommandError("no tone stands out of the noise: is the input connected, and its volume up?");
+    const ResponseConditions conditions{bench.output(), bench.input(), question};
+    if (csv) {
+        csv->write(responseTable(points, conditions));
+        csv->commit();
+    }
+    if (line.isSet("json"))
+        printOut(responseJson(points, conditions));
+    else if (!csv || csv->path() != "-")
+        printOut(responseText(points));
+    return 0;
+}
+
+} // namespace
+
+int runMeasure(int argc, char** argv) {
+    CommandLine line(
+        "Play on one device, listen to another, and print what was measured: response (how loud tones of all "
+        "frequencies are heard), thd (distortion of one tone) or noise (nothing is played). The input's "
+        "volume is left as it is.");
+    line.addArgument("response|thd|noise", "What to measure.");
+    line.addOption({"output"}, "DEVICE", "Device to play on: its UID or name, or a part of it.");
+    line.addOption({"input"}, "DEVICE", "Device to listen to. Both are the default devices without.");
+    line.addOption({"audio"}, "SYSTEM", "Sound system to use: pulse or loopback.");
+    line.addOption({"settle"}, "SECONDS", "From playing to listening, for what was before to die away.", "1");
+    line.addOption({"level"}, "DBFS", "Peak of what is played, response and thd.", "-6");
+    line.addOption({"frequency"}, "HZ", "Tone of thd; the nearest clean frequency is played.", "1000");
+    line.addOption({"from"}, "HZ", "Begin of the response or the noise.", "20");
+    line.addOption({"to"}, "HZ", "End of the response or the noise.", "20000");
+    line.addOption({"points"}, "N", "Frequencies of the response.", "31");
+    line.addOption({"tones"}, "N", "Tones that the response plays at a time, 1 to 13.", "13");
+    line.addOption({"mains"}, "HZ", "Mains frequency whose multiples to look for in the noise: 50 or 60.",
+                   "none");
+    line.addOption({"csv"}, "FILE", "Write the response to a CSV file; - is standard output.");
+    line.addFlag({"json"}, "Print JSON.");
+    if (!line.parse(argc, argv))
+        return 0;
+    const QByteArray kind = line.argument(0).toUtf8();
+    const auto* const found = std::ranges::find(kKinds, std::string_view(kind.constData()));
+    switch (found - std::begin(kKinds)) {
+    case Response:
+        return measureResponseOf(line);
+    case Thd:
+        return measureThd(line);
+    case Noise:
+        return measureNoise(line);
+    default:
+        throw CommandError("there is no measurement \"" + kind.toStdString() +
+                               "\": response, thd and noise are (try --help)",
+                           kWrongArguments);
+    }
+}
+
+} // namespace sonotrace
