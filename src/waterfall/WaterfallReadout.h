@@ -68,6 +68,9 @@ public:
     /// does not stretch the range. Nothing when there is no such column, or only silence.
     std::optional<DbRange> levelsInView() const;
 
+    /// The same as limits: whole, and a decibel apart at least.
+    std::optional<DbRange> fittingLimits() const;
+
 private:
     double frequency(double y) const;
     TimeScale times(double column) const;
