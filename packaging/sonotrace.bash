@@ -13,6 +13,7 @@ _sonotrace() {
     --window) words='rectangular hann hamming tukey cosine lanczos blackman nuttall blackman-nuttall flat-top' ;;
     --channel) words='left right sum difference' ;;
     --mains) words='50 60' ;;
+    --merge) words='maximum power-mean' ;;
     esac
     if [ -n "$words" ]; then
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
