@@ -1,6 +1,7 @@
 #include "scope/ScopeController.h"
 
 #include "base/SampleRate.h"
+#include "scope/ScopeAxes.h"
 #include "scope/SteadyTrigger.h"
 #include "scope/TriggerSearch.h"
 #include "ui_ScopeWindow.h"
@@ -304,16 +305,13 @@ void ScopeController::showRulers() {
     for (std::size_t i = 0; view.areCursorsShown() && i < kScopeCursorNames.size(); ++i)
         marks.push_back({cursor(i).milliseconds, kScopeCursorNames[i], kScopeCursorColours[i]});
     timeRuler_->setMarks(std::move(marks));
-    const std::string_view unit = unitName(linearUnit(source_->calibration().unit));
-    const auto fullScale = instantaneousValue(source_->calibration(), 1.0);
     for (const std::int32_t ch : {0, 1}) {
         const auto i = static_cast<std::size_t>(ch);
-        const ScopeLevels levels = visibleLevels(view.trace().scale(ch), view.height());
-        const double perFullScale = fullScale.value_or(100.0);
-        levelRulers_[i]->setUnit(
-            fullScale ? QString::fromLatin1(unit.data(), static_cast<qsizetype>(unit.size())) : "%");
-        levelRulers_[i]->setAxis({levels.axis.from * perFullScale, levels.axis.to * perFullScale});
-        levelRulers_[i]->setMargins(levels.below, levels.over);
+        const ScopeLevelAxis level =
+            scopeLevelAxis(view.trace().scale(ch), view.height(), source_->calibration());
+        levelRulers_[i]->setUnit(QString::fromStdString(level.unit));
+        levelRulers_[i]->setAxis(level.levels.axis);
+        levelRulers_[i]->setMargins(level.levels.below, level.levels.over);
     }
 }
 

@@ -269,7 +269,7 @@ void SpectrumController::takeQuestion() {
 }
 
 void SpectrumController::takeSpectrum() {
-    overlays_.add(analysis_.powerSpectrum(), analysis_.fftSize());
+    overlays_.add(analysis_.bins());
     measuring_->takeNewSpectrum();
     hasNew_ = true;
 }
