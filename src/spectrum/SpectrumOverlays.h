@@ -42,6 +42,7 @@ public:
     bool hasReference() const { return !reference_.empty(); }
 
     PowerAverage& average() { return average_; }
+    const PowerAverage& average() const { return average_; }
 
     /// What a trace is made of, empty when it is not asked for or there is nothing to show. Difference and
     /// correction are made of the average, or without one of the last spectrum. Valid until the next call.
