@@ -220,12 +220,15 @@ QImage ReportPicture::image(const PageSize& page) const {
     return image;
 }
 
-QByteArray ReportPicture::png(const PageSize& page) const {
+QByteArray pngOf(const QImage& image) {
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
-    const QImage picture = image(page);
-    return !picture.isNull() && picture.save(&buffer, "PNG", kPngQuality) ? bytes : QByteArray();
+    return !image.isNull() && image.save(&buffer, "PNG", kPngQuality) ? bytes : QByteArray();
+}
+
+QByteArray ReportPicture::png(const PageSize& page) const {
+    return pngOf(image(page));
 }
 
 QByteArray ReportPicture::pdf(const PageSize& page) const {

@@ -69,4 +69,7 @@ private:
     const std::unique_ptr<ReportPlot> plot_;
 };
 
+/// The bytes of a picture, none of an empty one.
+QByteArray pngOf(const QImage& image);
+
 } // namespace sonotrace
