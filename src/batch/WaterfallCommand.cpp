@@ -1,15 +1,19 @@
+#include "base/MeasurementOrigin.h"
 #include "base/SampleRate.h"
 #include "base/SystemLog.h"
 #include "batch/AudioFile.h"
 #include "batch/CommandError.h"
 #include "batch/CommandLine.h"
 #include "batch/Commands.h"
+#include "batch/Exports.h"
+#include "batch/InputOptions.h"
 #include "batch/OutputFile.h"
 #include "batch/Progress.h"
 #include "batch/ReadAhead.h"
 #include "batch/StandardStreams.h"
 #include "waterfall/PictureFile.h"
 #include "waterfall/RecordedWaterfall.h"
+#include "waterfall/WaterfallReport.h"
 #include "waterfall/WaterfallTable.h"
 
 #include <bit>
@@ -25,9 +29,9 @@ constexpr double kLongest = 1e9;                                                
 constexpr std::array<const char*, 4> kChannelWords = {"sum", "left", "right", "difference"}; // as ChannelFold
 
 void addArguments(CommandLine& line) {
-    line.addArgument("IN", "Sound file (WAV, FLAC, AIFF and others); - is standard input.");
-    line.addOption({"csv"}, "F", "Write the lines of the picture as a table.");
-    line.addOption({"raw"}, "F", "Write the bare picture as PNG, 1536 x 1024 pixels.");
+    addInputOptions(line);
+    Exports::addOptions(line);
+    line.addOption({"raw"}, "FILE", "Write the bare picture as PNG, 1536 x 1024 pixels.");
     line.addOption({"fft-size"}, "N", "Samples of a transform, a power of two from 64 to 131072.", "8192");
     line.addOption({"window"}, "NAME", "Data window: " + listedChoices(kFftWindowTitles) + ".", "hann");
     line.addOption({"channel"}, "NAME", listedChoices(kChannelWords) + " (left + right, left - right).",
@@ -48,9 +52,6 @@ void addArguments(CommandLine& line) {
                    "Level where the colours begin, in the picture's own decibels. Default: what fits.");
     line.addOption({"max-db"}, "DB", "Level where the colours end. Default: what fits.");
     line.addFlag({"grey"}, "Paint in grey.");
-    line.addOption({"start"}, "S", "Leave out so many seconds at the beginning.", "0");
-    line.addOption({"seconds"}, "S", "Read no more than so many seconds.");
-    line.addFlag({"resample"}, "Convert a file of another rate than 44100 Hz instead of refusing it.");
 }
 
 std::int32_t log2LengthOf(const CommandLine& line) {
@@ -127,28 +128,32 @@ int runWaterfall(int argc, char** argv) {
     if (!line.parse(argc, argv))
         return 0;
     const RecordedWaterfallSettings settings = settingsOf(line);
-    if (!line.isSet("csv") && !line.isSet("raw"))
-        throw CommandError("nothing is to be written: give --csv or --raw (try --help)", kWrongArguments);
-    silenceSystemLog();
-    AudioFile file(line.argumentPath(0), {.startSeconds = line.number("start", 0.0, kLongest),
-                                          .seconds = line.numberIfSet("seconds", 0.0, kLongest),
-                                          .resamples = line.isSet("resample")});
-    std::optional<OutputFile> csv;
+    Exports exports(line);
     std::optional<OutputFile> raw;
-    for (const auto& [option, output] : {std::pair{"csv", &csv}, {"raw", &raw}})
-        if (line.isSet(option))
-            output->emplace(line.path(option));
+    if (line.isSet("raw"))
+        raw.emplace(line.path("raw"));
+    if (!exports.hasTable() && !exports.hasPicture() && !raw)
+        throw CommandError("nothing is to be written: give --png, --pdf, --csv or --raw (try --help)",
+                           kWrongArguments);
+    silenceSystemLog();
+    AudioFile file = openInput(line);
     RecordedWaterfall waterfall(settings, file.frames());
     paint(waterfall, file, settings.channel);
-    if (csv)
-        csv->write(waterfallTable(linesInView(waterfall.image()), {}));
+    const WaterfallImage& image = waterfall.image();
     if (raw) {
-        const QByteArray png = writtenPicture(waterfall.image(), "png");
+        const QByteArray png = writtenPicture(image, "png");
         raw->write(std::string_view(png.data(), static_cast<std::size_t>(png.size())));
     }
-    for (auto* output : {&csv, &raw})
-        if (*output)
-            (*output)->commit();
+    const MeasurementOrigin origin = originOf(file.name());
+    exports.write(
+        [&] { return waterfallTable(linesInView(image), originLines("Waterfall", origin)); },
+        [&] {
+            ReportContent content;
+            content.origin = origin;
+            return waterfallReport(std::move(content), {waterfall.parameters(), image, image.scrolled()});
+        });
+    if (raw)
+        raw->commit();
     return 0;
 }
 

@@ -54,6 +54,11 @@ public:
                      ColumnNumber scrolled)
         : parameters_(parameters), image_(image), bounds_(image.bounds()), scrolled_(scrolled) {}
 
+    const WaterfallParameters& parameters() const { return parameters_; }
+    const WaterfallImage& image() const { return image_; }
+    const WaterfallBounds& bounds() const { return bounds_; }
+    ColumnNumber scrolled() const { return scrolled_; }
+
     Axis frequencyAxis() const; ///< Hz, upward
     Axis timeAxis() const;      ///< seconds before the newest column, from left to right
 

@@ -1,6 +1,7 @@
 #include "waterfall/WaterfallTable.h"
 
 #include "base/CsvText.h"
+#include "base/SampleRate.h"
 #include "waterfall/WaterfallParameters.h"
 
 #include <algorithm>
@@ -34,11 +35,9 @@ std::string titleOf(const std::array<const char*, kCount>& titles, std::int32_t 
 
 } // namespace
 
-std::vector<Setting> waterfallSettings(const WaterfallLines& lines) {
-    if (lines.columns.empty())
-        return {};
-    const ColumnSource& source = lines.scale.source;
-    const RowBins::Scale& rows = lines.scale.rows;
+std::vector<Setting> waterfallSettings(const ColumnScale& scale) {
+    const ColumnSource& source = scale.source;
+    const RowBins::Scale& rows = scale.rows;
     std::vector<Setting> settings = {
         {"FFT size", std::to_string(rows.len)},
         {"Window", titleOf(kFftWindowTitles, source.window)},
@@ -46,7 +45,7 @@ std::vector<Setting> waterfallSettings(const WaterfallLines& lines) {
         {"From", numberText(rows.startFreq, 3) + " Hz"},
         {"To", numberText(rows.endFreq, 3) + " Hz"},
         {"Speed-up", std::to_string(source.speedup)},
-        {"Column", numberText(lines.secondsPerLine(), kTimeDecimals) + " s"}};
+        {"Column", numberText(source.samples / kSampleRate, kTimeDecimals) + " s"}};
     if (source.merge >= 0)
         settings.push_back({"Merged by", titleOf(kLineMergeTitles, source.merge)});
     return settings;
@@ -55,7 +54,8 @@ std::vector<Setting> waterfallSettings(const WaterfallLines& lines) {
 std::string waterfallTable(const WaterfallLines& lines, std::span<const Setting> about) {
     CsvText table;
     table.comments(about);
-    table.comments(waterfallSettings(lines));
+    if (!lines.columns.empty())
+        table.comments(waterfallSettings(lines.scale));
     table.comment("Levels",
                   "dB of the display's own scale, 6.25 times the natural logarithm of the magnitude");
     table.comment("Columns", "time before the newest line, then the middle of each row of the picture in Hz");

@@ -9,8 +9,8 @@
 
 namespace sonotrace {
 
-/// All that has to be set to get such lines again.
-std::vector<Setting> waterfallSettings(const WaterfallLines& lines);
+/// All that has to be set to get such columns again.
+std::vector<Setting> waterfallSettings(const ColumnScale& scale);
 
 /// The lines as a table for other programs: `about` and the settings as comments, then a row a line, oldest
 /// first, with its time before the newest in seconds (empty before a gap) and the levels of the picture's
