@@ -241,9 +241,9 @@ void ScopeController::makeExportMenu(Preferences& preferences) {
         return scopeTable(origin(), wordedSettings(), ui_->mainView->trace(), capture_,
                           source_->calibration());
     };
-    auto* const menu =
-        new ExportMenu(*ui_->exportButton, preferences,
-                       {missing, [this] { return picture(); }, [this] { return ui_->mainView->size(); }, table});
+    auto* const menu = new ExportMenu(
+        *ui_->exportButton, preferences,
+        {missing, [this] { return picture(); }, [this] { return ui_->mainView->size(); }, table});
     connect(menu, &ExportMenu::said, source_.get(), &InputSource::showNotice);
 }
 

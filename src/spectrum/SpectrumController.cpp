@@ -249,10 +249,9 @@ void SpectrumController::makeExportMenu() {
     const auto missing = [this] {
         return analysis_.bins().isEmpty() ? QString("There is no spectrum yet to export") : QString();
     };
-    auto* const menu =
-        new ExportMenu(*ui_->exportButton, preferences_,
-                       {missing, [this] { return picture(); }, [this] { return ui_->mainView->size(); },
-                        [this] { return table(); }});
+    auto* const menu = new ExportMenu(*ui_->exportButton, preferences_,
+                                      {missing, [this] { return picture(); },
+                                       [this] { return ui_->mainView->size(); }, [this] { return table(); }});
     connect(menu, &ExportMenu::said, source_.get(), &InputSource::showNotice);
 }
 
@@ -284,10 +283,9 @@ ReportPicture SpectrumController::picture() {
                                 .origin = origin(),
                                 .settings = wordedSettings(),
                                 .readings = measuring_->shownReadings()};
-    return spectrumReport(content, {{analysis_.powerSpectrum(), analysis_.fftSize()},
-                                    display_,
-                                    &overlays_,
-                                    ui_->mainView->marks()});
+    return spectrumReport(
+        content,
+        {{analysis_.powerSpectrum(), analysis_.fftSize()}, display_, &overlays_, ui_->mainView->marks()});
 }
 
 std::string SpectrumController::table() {

@@ -115,8 +115,8 @@ void ExportMenu::savePicture() {
     const PageSize size = page(picture);
     const QImage image = picture.image(size);
     const QByteArray pdf = picture.pdf(size); // before the panel: sound goes on meanwhile
-    const auto path = askForFileToSave(button_.window(), preferences_, kReportPages,
-                                       "Choose file to save the picture to");
+    const auto path =
+        askForFileToSave(button_.window(), preferences_, kReportPages, "Choose file to save the picture to");
     if (!path)
         return;
     const bool isPdf = path->endsWith(".pdf", Qt::CaseInsensitive);
@@ -127,10 +127,10 @@ void ExportMenu::copyData() {
     if (!isThere())
         return;
     const QByteArray table = QByteArray::fromStdString(exports_.table());
-    auto* const data = new QMimeData;
-    data->setText(QString::fromUtf8(table));
-    data->setData("text/csv", table);
-    QGuiApplication::clipboard()->setMimeData(data);
+    auto* const content = new QMimeData;
+    content->setText(QString::fromUtf8(table));
+    content->setData("text/csv", table);
+    QGuiApplication::clipboard()->setMimeData(content);
     Q_EMIT said("Data copied");
 }
 

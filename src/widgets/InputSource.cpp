@@ -153,7 +153,8 @@ Hints InputSource::hints(const QueueState& state) {
 
 MeasurementOrigin InputSource::origin(qint64 millisecondsAgo) const {
     const std::string device = stream_.state().deviceName;
-    const QString source = device.empty() ? controls_.inputPopup->currentText() : QString::fromStdString(device);
+    const QString source =
+        device.empty() ? controls_.inputPopup->currentText() : QString::fromStdString(device);
     const QDateTime then = QDateTime::currentDateTime().addMSecs(-millisecondsAgo);
     const QDateTime time = then.toOffsetFromUtc(then.offsetFromUtc());
     const QString program =
