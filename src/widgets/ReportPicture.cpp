@@ -310,7 +310,10 @@ void ReportPicture::paintPlot(QPainter& painter, const Layout& layout) const {
             corner = isLeft ? face.topLeft() - QPoint(depth, 0) : face.topRight() + QPoint(1 + strip, 0);
             size = QSize(depth, face.height());
         }
-        paintAt(corner, [&] { RulerPainter(painter, ruler, size, {font, kInk, Qt::white}).paint(); });
+        paintAt(corner, [&] {
+            painter.setClipRect(QRect(QPoint(0, 0), size)); // as a widget would: ticks end at the face
+            RulerPainter(painter, ruler, size, {font, kInk, Qt::white}).paint();
+        });
     }
 }
 
