@@ -263,7 +263,7 @@ ReportPicture ScopeController::picture() {
                                 .origin = origin(),
                                 .settings = wordedSettings(),
                                 .readings = ui_->readings->readings(),
-                                .readingsGroup = 2};
+                                .group = 2};
     return scopeReport(content,
                        {.trace = view.trace(),
                         .offsets = controls_.offset,

@@ -39,7 +39,7 @@ std::size_t chosenSize(const Preferences& preferences) {
 
 } // namespace
 
-ExportMenu::ExportMenu(QPushButton& button, Preferences& preferences, Exportable exports)
+ExportMenu::ExportMenu(QPushButton& button, Preferences& preferences, WindowExports exports)
     : QMenu(&button), button_(button), preferences_(preferences), exports_(std::move(exports)) {
     button.setMenu(this);
     setToolTipsVisible(true);

@@ -15,7 +15,7 @@ namespace sonotrace {
 class Preferences;
 
 /// What an instrument's window has to give. All are asked at the moment of the user's choice.
-struct Exportable {
+struct WindowExports {
     std::function<QString()> missing;       ///< a sentence, when there is nothing yet
     std::function<ReportPicture()> picture; ///< refers to what is shown; rendered at once
     std::function<QSize()> face;            ///< points of the instrument's face on the screen
@@ -30,7 +30,7 @@ class ExportMenu : public QMenu {
 
 public:
     /// Becomes the button's menu. `preferences` keep the size of pictures, for all windows alike.
-    ExportMenu(QPushButton& button, Preferences& preferences, Exportable exports);
+    ExportMenu(QPushButton& button, Preferences& preferences, WindowExports exports);
 
     void copyPicture();
     void savePicture();
@@ -49,7 +49,7 @@ private:
 
     QPushButton& button_;
     Preferences& preferences_;
-    const Exportable exports_;
+    const WindowExports exports_;
 };
 
 } // namespace sonotrace

@@ -127,6 +127,13 @@ QMargins rulerMargins(const ReportPlot& plot) {
     return margins;
 }
 
+/// Without the blanks that keep a number in its place on the screen.
+std::vector<Reading> withoutPadding(std::vector<Reading> readings) {
+    for (Reading& reading : readings)
+        reading.value.remove(QChar(0x2007)); // figure space
+    return readings;
+}
+
 } // namespace
 
 /// Places on a page, in points.
@@ -152,10 +159,13 @@ PageSize PageSize::a4() {
 }
 
 ReportPicture::ReportPicture(ReportContent content, std::unique_ptr<ReportPlot> plot)
-    : content_(std::move(content)), settings_(asReadings(content_.settings)), plot_(std::move(plot)) {}
+    : content_(std::move(content)),
+      settings_(asReadings(content_.settings)),
+      readings_(withoutPadding(content_.readings)),
+      plot_(std::move(plot)) {}
 
 int ReportPicture::textHeight(int width) const {
-    return blockHeight(settings_, width, 1) + blockHeight(content_.readings, width, content_.readingsGroup);
+    return blockHeight(settings_, width, content_.group) + blockHeight(readings_, width, content_.group);
 }
 
 PageSize ReportPicture::around(const QSize& face, double scale) const {
@@ -170,7 +180,7 @@ ReportPicture::Layout ReportPicture::layOut(const QSize& points) const {
     Layout layout;
     layout.page = points;
     const QRect inner = QRect(QPoint(0, 0), points).adjusted(kMargin, kMargin, -kMargin, -kMargin);
-    const int settings = blockHeight(settings_, inner.width(), 1);
+    const int settings = blockHeight(settings_, inner.width(), content_.group);
     const int text = textHeight(inner.width());
     layout.head = QRect(inner.topLeft(), QSize(inner.width(), headHeight()));
     const QRect below = inner.adjusted(0, layout.head.height(), 0, 0);
@@ -258,8 +268,8 @@ void ReportPicture::paint(QPainter& painter, const Layout& layout) const {
     painter.setFont(pageFont(layout.scale == 1.0));
     paintHead(painter, layout);
     paintPlot(painter, layout);
-    paintBlock(painter, "Settings", settings_, layout.settings, 1);
-    paintBlock(painter, "Readings", content_.readings, layout.readings, content_.readingsGroup);
+    paintBlock(painter, "Settings", settings_, layout.settings, content_.group);
+    paintBlock(painter, "Readings", readings_, layout.readings, content_.group);
 }
 
 void ReportPicture::paintHead(QPainter& painter, const Layout& layout) const {
