@@ -64,8 +64,36 @@ RecordedWaterfall::RecordedWaterfall(const RecordedWaterfallSettings& settings,
     image_.setBounds(plan.width, settings.height);
 }
 
+std::size_t RecordedWaterfall::framesPerPart() const {
+    constexpr std::size_t kLeast = 65536; // much work beside handing it over
+    constexpr std::size_t kMost = 1048576;
+    if (parameters_.waterfallSpeedup.load(kRelaxed) != 1 || settings_.secondsPerColumn)
+        return 0;
+    const auto length = static_cast<std::size_t>(parameters_.frameLength());
+    const std::size_t lines =
+        std::max<std::size_t>(1, static_cast<std::size_t>(std::llround(parameters_.slowSamples())) / length);
+    const std::size_t column = lines * length;
+    const std::size_t columns = (kLeast + column - 1) / column;
+    return columns * column <= kMost && columns < static_cast<std::size_t>(image_.bounds().width)
+               ? columns * column
+               : 0;
+}
+
+std::int32_t RecordedWaterfall::paintPart(std::span<const std::int16_t> interleaved) {
+    analysis_.forget();
+    const ColumnNumber before = image_.scrolled();
+    add(interleaved);
+    endLine();
+    return static_cast<std::int32_t>(image_.scrolled() - before);
+}
+
+/// A line waits for more than its samples.
+void RecordedWaterfall::endLine() {
+    add(std::array<std::int16_t, 2>{});
+}
+
 bool RecordedWaterfall::finish() {
-    analysis_.capture(std::array<std::int16_t, 2>{}); // a line waits for more than its samples
+    endLine();
     if (!image_.keptColumns().newestScale())
         return false;
     if (!settings_.minDB || !settings_.maxDB)
