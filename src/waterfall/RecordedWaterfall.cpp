@@ -43,25 +43,28 @@ ColumnPlan planColumns(const RecordedWaterfallSettings& settings, std::optional<
 
 RecordedWaterfall::RecordedWaterfall(const RecordedWaterfallSettings& settings,
                                      std::optional<std::uint64_t> frames)
-    : settings_(settings), analysis_(parameters_, image_, log_, [] {
+    : settings_(settings), analysis_(setParameters(planColumns(settings, frames)), image_, log_, [] {
           return std::chrono::steady_clock::time_point(); // there is always time for all lines
-      }) {
-    const ColumnPlan plan = planColumns(settings, frames);
+      }) {}
+
+WaterfallParameters& RecordedWaterfall::setParameters(const ColumnPlan& plan) {
+    parameters_.onlyLog2Length = settings_.log2Length;
     parameters_.leastSlowSeconds = 0.0;
-    parameters_.waterfallFftLen.store(std::ldexp(1.0, settings.log2Length), kRelaxed);
-    parameters_.fftSizeLog2.store(settings.log2Length, kRelaxed);
-    parameters_.log2SampleLength.store(settings.log2Length, kRelaxed);
+    parameters_.waterfallFftLen.store(std::ldexp(1.0, settings_.log2Length), kRelaxed);
+    parameters_.fftSizeLog2.store(settings_.log2Length, kRelaxed);
+    parameters_.log2SampleLength.store(settings_.log2Length, kRelaxed);
     parameters_.waterfallSpeedup.store(plan.speedup, kRelaxed);
     parameters_.slowSeconds.store(plan.slowSeconds, kRelaxed);
-    parameters_.waterfallWindowType.store(settings.window, kRelaxed);
-    parameters_.channel.store(settings.channel, kRelaxed);
-    parameters_.lineMerge.store(settings.merge, kRelaxed);
-    parameters_.waterfallStartFreq.store(settings.startFreq, kRelaxed);
-    parameters_.waterfallEndFreq.store(settings.endFreq, kRelaxed);
-    parameters_.waterfallMinDB.store(settings.minDB.value_or(0.0F), kRelaxed);
-    parameters_.waterfallMaxDB.store(settings.maxDB.value_or(150.0F), kRelaxed);
-    parameters_.colorWaterfallPlot.store(settings.isColoured ? 1 : 0, kRelaxed);
-    image_.setBounds(plan.width, settings.height);
+    parameters_.waterfallWindowType.store(settings_.window, kRelaxed);
+    parameters_.channel.store(settings_.channel, kRelaxed);
+    parameters_.lineMerge.store(settings_.merge, kRelaxed);
+    parameters_.waterfallStartFreq.store(settings_.startFreq, kRelaxed);
+    parameters_.waterfallEndFreq.store(settings_.endFreq, kRelaxed);
+    parameters_.waterfallMinDB.store(settings_.minDB.value_or(0.0F), kRelaxed);
+    parameters_.waterfallMaxDB.store(settings_.maxDB.value_or(150.0F), kRelaxed);
+    parameters_.colorWaterfallPlot.store(settings_.isColoured ? 1 : 0, kRelaxed);
+    image_.setBounds(plan.width, settings_.height);
+    return parameters_;
 }
 
 std::size_t RecordedWaterfall::framesPerPart() const {

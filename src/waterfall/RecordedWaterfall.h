@@ -67,6 +67,7 @@ public:
     const WaterfallImage& image() const { return image_; }
 
 private:
+    WaterfallParameters& setParameters(const ColumnPlan& plan); ///< before the analysis is made
     void endLine();
     void fitLimits();
 
