@@ -20,6 +20,7 @@ namespace {
 // One a process, like the standard error they belong to.
 std::atomic<std::uint64_t> dropped{0};
 std::atomic<std::uint64_t> droppedAndSaid{0};
+std::atomic<bool> isSilent{false};
 
 [[gnu::format(printf, 1, 0)]] std::string formatted(const char* format, std::va_list arguments) {
     std::va_list measured;
@@ -51,6 +52,8 @@ bool writeAtOnce(int descriptor, std::string_view text) {
 }
 
 void writeLine(std::string line) {
+    if (isSilent.load(std::memory_order_relaxed))
+        return;
     if (line.empty() || line.back() != '\n') // some texts carry a line end of their own
         line += '\n';
     const std::uint64_t lost = dropped.load();
@@ -96,6 +99,10 @@ void printDiagnostic(const char* format, ...) {
     va_end(arguments);
     std::fflush(stdout); // what the program prints otherwise comes in order
     writeAtOnce(STDOUT_FILENO, text);
+}
+
+void silenceSystemLog() {
+    isSilent.store(true, std::memory_order_relaxed);
 }
 
 std::uint64_t droppedLogLines() {

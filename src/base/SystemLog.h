@@ -17,6 +17,9 @@ namespace sonotrace {
 /// their own line end. Does not wait for a reader either.
 [[gnu::format(printf, 1, 2)]] void printDiagnostic(const char* format, ...);
 
+/// Has the system log drop all that is written from now on: for work whose standard error is for its user.
+void silenceSystemLog();
+
 /// Lines of the system log that were dropped. When the log is read again, it says how many. Any thread.
 std::uint64_t droppedLogLines();
 

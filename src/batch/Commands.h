@@ -9,5 +9,6 @@ int runMeasure(int argc, char** argv);
 int runRender(int argc, char** argv);
 int runScope(int argc, char** argv);
 int runSpectrum(int argc, char** argv);
+int runWaterfall(int argc, char** argv);
 
 } // namespace sonotrace

@@ -1,10 +1,11 @@
 #include "batch/ResponseText.h"
 
 #include "base/CsvText.h"
+#include "base/MeasurementOrigin.h"
+#include "batch/Exports.h"
 #include "batch/ReadingsJson.h"
 #include "widgets/NumberText.h"
 
-#include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -37,16 +38,14 @@ std::string responseText(std::span<const ResponsePoint> points) {
 std::string responseTable(std::span<const ResponsePoint> points, const ResponseConditions& conditions) {
     const ResponseQuestion& question = conditions.question;
     CsvText text;
-    text.comment("Sonotrace " SONOTRACE_VERSION, "frequency response");
-    text.comment("time", QDateTime::currentDateTime().toOffsetFromUtc(0).toString(Qt::ISODate).toStdString());
-    text.comment("output", conditions.output);
-    text.comment("input", conditions.input);
-    text.comment("from", number(question.fromHz) + " Hz");
-    text.comment("to", number(question.toHz) + " Hz");
-    text.comment("points", std::to_string(question.points));
-    text.comment("tones at a time", std::to_string(question.tonesAtOnce));
-    text.comment("level", number(question.peakDbfs) + " dBFS peak");
-    text.comment("settle", number(question.settleSeconds) + " s");
+    text.comments(originLines("Frequency response", originOf(conditions.input)));
+    text.comments(std::array<Setting, 7>{{{"Output", conditions.output},
+                                          {"From", number(question.fromHz) + " Hz"},
+                                          {"To", number(question.toHz) + " Hz"},
+                                          {"Points", std::to_string(question.points)},
+                                          {"Tones at a time", std::to_string(question.tonesAtOnce)},
+                                          {"Peak level", number(question.peakDbfs) + " dBFS"},
+                                          {"Settle", number(question.settleSeconds) + " s"}}});
     text.columns(std::vector<std::string>{"frequency_hz", "left_db", "right_db"});
     for (const ResponsePoint& point : points) {
         text.value(point.frequencyHz, 4);

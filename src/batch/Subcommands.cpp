@@ -27,6 +27,7 @@ constexpr Subcommand kSubcommands[] = {
     {"render", "Write what the generators and the sweep play to a WAV file", runRender},
     {"scope", "Read levels, frequency and delay of a file as the oscilloscope does", runScope},
     {"spectrum", "Measure the spectrum and the levels of a sound file", runSpectrum},
+    {"waterfall", "Paint the waterfall of a recording", runWaterfall},
 };
 
 int say(const char* name, const char* message, int status) {

@@ -4,6 +4,7 @@
 #include "base/Numbers.h"
 #include "base/SampleRate.h"
 #include "base/SystemLog.h"
+#include "spectrum/SpectrumAxes.h"
 #include "ui_SpectrumWindow.h"
 #include "widgets/InputHints.h"
 #include "widgets/LevelText.h"
@@ -225,12 +226,9 @@ void SpectrumController::makeRulers() {
 }
 
 void SpectrumController::showRulers() {
-    frequencyRuler_.setAxis(display_.logMode != 0
-                                ? Axis{1.0, std::pow(10.0, kSpectrumDecades), true}
-                                : Axis{display_.spectrumStartFreq, display_.spectrumEndFreq});
+    frequencyRuler_.setAxis(frequencyAxis(display_));
     const SpectrumGeometry geometry = ui_->mainView->plotGeometry();
-    const double top = ui_->mainView->height();
-    levelRuler_.setAxis({plottedDecibels(geometry, geometry.yFloor), plottedDecibels(geometry, top)});
+    levelRuler_.setAxis(levelAxis(geometry, ui_->mainView->height()));
     levelRuler_.setMargins(geometry.yFloor, 0.0);
 }
 

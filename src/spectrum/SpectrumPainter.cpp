@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <span>
 
 namespace sonotrace {
 
@@ -16,8 +15,8 @@ namespace {
 /// A line parallel to the axes, crisp: the pixels of drawLine() without antialiasing, at a quarter of its
 /// time.
 void paintLine(QPainter& painter, const QPointF& from, const QPointF& to, Qt::GlobalColor colour) {
-    constexpr double kReach = 0.5 * SpectrumGrid::kLineWidth; // to the sides and, as far, at the ends
-    painter.fillRect(QRectF(from, to).normalized().adjusted(-kReach, -kReach, kReach, kReach), colour);
+    const double reach = 0.5 * SpectrumGrid::kLineWidth * lineThickness(painter); // also at the ends
+    painter.fillRect(QRectF(from, to).normalized().adjusted(-reach, -reach, reach, reach), colour);
 }
 
 /// Neighbours are filled together as high as the lowest of them, row by row: one by one they are slow.
@@ -84,13 +83,13 @@ PlotRect spectrumBounds(const QSize& size) {
     return {0.0, 0.0, static_cast<double>(size.width()), static_cast<double>(size.height())};
 }
 
-void SpectrumPainter::build(const QSize& size, const SpectrumAnalysis& analysis,
+void SpectrumPainter::build(const QSize& size, const PaintedSpectrum& spectrum,
                             const SpectrumDisplay& display, SpectrumOverlays* overlays) {
     size_ = size;
     display_ = display;
     const PlotRect bounds = spectrumBounds(size);
-    geometry_ = spectrumGeometry(bounds, display, analysis.fftSize());
-    trace_.build(geometry_, display, analysis.powerSpectrum(), analysis.fftSize());
+    geometry_ = spectrumGeometry(bounds, display, spectrum.fftSize);
+    trace_.build(geometry_, display, spectrum.power, spectrum.fftSize);
     for (std::size_t i = 0; overlays && i < overlayLines_.size(); ++i)
         overlays->build(static_cast<SpectrumOverlay>(i), bounds, display, overlayLines_[i]);
 }
@@ -178,8 +177,9 @@ void SpectrumPainter::paintMarks(QPainter& painter, const SpectrumMarks& marks) 
         if (!(x >= geometry_.left && x < geometry_.right))
             return;
         const int column = static_cast<int>(x);
-        painter.fillRect(column, 0, 1, size_.height() - static_cast<int>(geometry_.yFloor),
-                         QColor(kMarkerColour));
+        painter.fillRect(
+            QRectF(column, 0, lineThickness(painter), size_.height() - static_cast<int>(geometry_.yFloor)),
+            QColor(kMarkerColour));
         painter.drawText(column + 4, painter.fontMetrics().height(), text);
     };
     for (const SpectrumMarker& marker : marks.markers)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "spectrum/SpectrumAnalysis.h"
 #include "spectrum/SpectrumGeometry.h"
 #include "spectrum/SpectrumOverlays.h"
 #include "spectrum/SpectrumTrace.h"
@@ -12,6 +11,7 @@
 
 #include <array>
 #include <optional>
+#include <span>
 #include <vector>
 
 class QPainter;
@@ -28,6 +28,12 @@ struct SpectrumMarker {
     bool operator==(const SpectrumMarker&) const = default;
 };
 
+/// A spectrum as it is painted.
+struct PaintedSpectrum {
+    std::span<const double> power; ///< |X|² of each bin, mirrored upper half included, or of half of them
+    double fftSize = 0;            ///< chosen now, which may be newer than the spectrum
+};
+
 /// What is painted over the trace besides the overlays.
 struct SpectrumMarks {
     std::vector<SpectrumMarker> markers;
@@ -39,7 +45,7 @@ struct SpectrumMarks {
 class SpectrumPainter {
 public:
     /// Computes trace and overlays for a face of so many points. `overlays` may be null.
-    void build(const QSize& size, const SpectrumAnalysis& analysis, const SpectrumDisplay& display,
+    void build(const QSize& size, const PaintedSpectrum& spectrum, const SpectrumDisplay& display,
                SpectrumOverlays* overlays);
 
     /// Paints what was built, its ground too, from the painter's origin. `font` is that of legend and marks

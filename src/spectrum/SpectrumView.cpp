@@ -39,7 +39,7 @@ QSize SpectrumView::minimumSizeHint() const {
 void SpectrumView::showSpectrum() {
     const Setting setting{*display_, analysis_->fftSize(), size()};
     if (setting_ == setting) {
-        painter_.build(size(), *analysis_, *display_, overlays_);
+        build();
         update(paintedRows_ | painter_.traceRows());
     } else {
         update();
@@ -49,6 +49,10 @@ void SpectrumView::showSpectrum() {
 
 SpectrumGeometry SpectrumView::plotGeometry() const {
     return spectrumGeometry(spectrumBounds(size()), *display_, analysis_->fftSize());
+}
+
+void SpectrumView::build() {
+    painter_.build(size(), {analysis_->powerSpectrum(), analysis_->fftSize()}, *display_, overlays_);
 }
 
 std::optional<double> SpectrumView::traceHeight(int column) const {
@@ -73,7 +77,7 @@ void SpectrumView::paintEvent(QPaintEvent*) {
         painter.fillRect(rect(), Qt::black);
         return;
     }
-    painter_.build(size(), *analysis_, *display_, overlays_);
+    build();
     paintedRows_ = painter_.traceRows();
     painter_.paint(painter, font(), marks());
 }

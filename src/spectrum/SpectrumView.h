@@ -1,5 +1,6 @@
 #pragma once
 
+#include "spectrum/SpectrumAnalysis.h"
 #include "spectrum/SpectrumPainter.h"
 
 #include <QWidget>
@@ -65,6 +66,7 @@ private:
         bool operator==(const Setting&) const = default;
     };
 
+    void build();
     void point(int column);
 
     const SpectrumAnalysis* analysis_ = nullptr;

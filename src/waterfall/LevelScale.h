@@ -23,17 +23,28 @@ public:
     /// A magnitude on the display's own scale, 0 and above.
     static double decibels(double magnitude) { return std::log(audible(magnitude)) * 6.25; }
 
+    /// The nearest hundredth of a decibel as a whole number, up to 655.35 dB: no sum of 131072 samples
+    /// is louder than 147 dB.
+    static std::uint16_t hundredths(double decibels) {
+        return static_cast<std::uint16_t>(std::min(decibels * 100.0 + 0.5, 65535.0));
+    }
+
     /// 0 to 100, or not a number.
-    double level(double magnitude) const {
-        const double level = (decibels(magnitude) - floor_) * 100.0 / range_;
+    double level(double magnitude) const { return levelAt(decibels(magnitude)); }
+
+    /// Step 0 to 254: the product 100 * 2.55 is 254.99999999999997.
+    std::int32_t step(double magnitude) const { return stepAt(decibels(magnitude)); }
+
+    /// The same from decibels.
+    double levelAt(double decibels) const {
+        const double level = (decibels - floor_) * 100.0 / range_;
         if (level < 0.0)
             return 0.0;
         return level > 100.0 ? 100.0 : level;
     }
 
-    /// Step 0 to 254: the product 100 * 2.55 is 254.99999999999997.
-    std::int32_t step(double magnitude) const {
-        return std::clamp(truncateToInt32(level(magnitude) * 2.55), 0, 255);
+    std::int32_t stepAt(double decibels) const {
+        return std::clamp(truncateToInt32(levelAt(decibels) * 2.55), 0, 255);
     }
 
     /// The middle of the decibels that share a step.

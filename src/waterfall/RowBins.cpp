@@ -21,11 +21,14 @@ void RowBins::setScale(const Scale& scale) {
     if (scale == scale_)
         return;
     scale_ = scale;
-    rows_ = std::min(static_cast<std::size_t>(std::ceil(scale.height)), kMostRows);
+    rows_ = rowsOf(scale.height);
     const double binWidth = kSampleRate / scale.len;
     const double step = (scale.endFreq - scale.startFreq) / static_cast<double>(scale.height);
     for (std::size_t y = 0; y <= rows_; ++y)
         edges_[y] = binIndex((scale.startFreq + static_cast<double>(y) * step) / binWidth, scale.bins);
+    const std::size_t last =
+        *std::max_element(edges_.begin(), edges_.begin() + static_cast<std::ptrdiff_t>(rows_) + 1);
+    end_ = std::min(last + 1, scale.bins);
 }
 
 } // namespace sonotrace

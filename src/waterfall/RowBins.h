@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -29,7 +30,13 @@ public:
     void setScale(const Scale& scale);
 
     /// One for each whole or begun point of the height.
+    static std::size_t rowsOf(float height) {
+        return std::min(static_cast<std::size_t>(std::ceil(height)), kMostRows);
+    }
     std::size_t rows() const { return rows_; }
+
+    /// The bin behind the last one that a row needs.
+    std::size_t end() const { return end_; }
 
     /// The mean of the row's bins if there are at least two, otherwise the bin it begins in.
     double value(std::span<const double> magnitudes, std::size_t row) const {
@@ -46,6 +53,7 @@ public:
 private:
     Scale scale_;
     std::size_t rows_ = 0;
+    std::size_t end_ = 0;
     std::array<std::uint32_t, kMostRows + 1> edges_{};
 };
 

@@ -3,6 +3,7 @@
 #include "base/ChannelFold.h"
 #include "base/ZeroedArray.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 
@@ -23,18 +24,23 @@ public:
     /// Samples that can be appended before the oldest are overwritten.
     std::int32_t room() const { return kSamples - 1 - available(); }
 
-    std::int16_t next() {
-        const std::int16_t sample = waterfallRing_[static_cast<std::size_t>(ringReadIndex_)];
-        ringReadIndex_ = after(ringReadIndex_);
-        return sample;
+    /// Takes `count` samples, of those that wait: calls with the number of the first one and a span of them,
+    /// once or twice.
+    template <typename Function>
+    void take(std::size_t count, Function function) {
+        for (std::size_t done = 0; done < count;) {
+            const auto index = static_cast<std::size_t>(ringReadIndex_);
+            const std::size_t part = std::min(count - done, kSamples - index);
+            function(done, std::span<const std::int16_t>(&waterfallRing_[index], part));
+            ringReadIndex_ = static_cast<std::int32_t>((index + part) % kSamples);
+            done += part;
+        }
     }
 
     /// Forgets what waits.
     void dropWaiting() { ringReadIndex_ = ringWriteIndex_; }
 
 private:
-    static std::int32_t after(std::int32_t index) { return index == kSamples - 1 ? 0 : index + 1; }
-
     ZeroedArray<std::int16_t> waterfallRing_{kSamples};
     std::int32_t ringWriteIndex_ = 0;
     std::int32_t ringReadIndex_ = 0;

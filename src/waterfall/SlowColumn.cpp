@@ -1,32 +1,55 @@
 #include "waterfall/SlowColumn.h"
 
+#include "base/WideVectors.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace sonotrace {
 
-bool SlowColumn::add(std::span<const double> line, std::int32_t samples, double wanted, LineMerge merge) {
-    if (line.size() != size_ || merge != merge_)
-        clear();
-    size_ = line.size();
-    merge_ = merge;
-    const bool isFirst = lines_ == 0;
-    for (std::size_t i = 0; i < size_; ++i) {
-        const double part = merge == LineMerge::Peak ? line[i] : line[i] * line[i];
-        if (isFirst)
-            gathered_[i] = part;
-        else if (merge == LineMerge::Peak)
-            gathered_[i] = std::max(gathered_[i], part);
-        else
-            gathered_[i] += part;
+namespace {
+
+SONOTRACE_WIDE_VECTORS void copy(std::span<const float> powers, double* gathered) {
+    for (std::size_t i = 0; i < powers.size(); ++i)
+        gathered[i] = static_cast<double>(powers[i]);
+}
+
+SONOTRACE_WIDE_VECTORS void keepPeaks(std::span<const float> powers, double* gathered) {
+    for (std::size_t i = 0; i < powers.size(); ++i) {
+        const auto power = static_cast<double>(powers[i]);
+        gathered[i] = power > gathered[i] ? power : gathered[i];
     }
+}
+
+SONOTRACE_WIDE_VECTORS void sum(std::span<const float> powers, double* gathered) {
+    for (std::size_t i = 0; i < powers.size(); ++i)
+        gathered[i] += static_cast<double>(powers[i]);
+}
+
+/// The largest root is the root of the largest, to the bit.
+SONOTRACE_WIDE_VECTORS void takeRoots(double* gathered, std::size_t size, double lines) {
+    for (std::size_t i = 0; i < size; ++i)
+        gathered[i] = std::sqrt(gathered[i] / lines);
+}
+
+} // namespace
+
+bool SlowColumn::add(std::span<const float> powers, std::int32_t samples, double wanted, LineMerge merge) {
+    if (powers.size() != size_ || merge != merge_)
+        clear();
+    size_ = powers.size();
+    merge_ = merge;
+    if (lines_ == 0)
+        copy(powers, gathered_.data());
+    else if (merge == LineMerge::Peak)
+        keepPeaks(powers, gathered_.data());
+    else
+        sum(powers, gathered_.data());
     ++lines_;
     samples_ += samples;
     if (samples_ < wanted)
         return false;
-    if (merge == LineMerge::PowerMean)
-        for (std::size_t i = 0; i < size_; ++i)
-            gathered_[i] = std::sqrt(gathered_[i] / static_cast<double>(lines_));
+    takeRoots(gathered_.data(), size_, merge == LineMerge::PowerMean ? static_cast<double>(lines_) : 1.0);
     // What is over belongs to the next column, so that the mean rate is exact. More than a column is left
     // over by longer lines, or when the time has just become shorter.
     samples_ = samples_ < 2.0 * wanted ? samples_ - wanted : 0.0;

@@ -13,12 +13,13 @@ namespace sonotrace {
 /// it needs is allocated with it.
 class SlowColumn {
 public:
-    /// Takes a line that `samples` samples have been read for. True when `wanted` samples have gone by: then
-    /// the column is in magnitudes(), until the next call. A line of another length, or another way to merge,
-    /// begins anew.
-    bool add(std::span<const double> line, std::int32_t samples, double wanted, LineMerge merge);
+    /// Takes the squared magnitudes of a line that `samples` samples have been read for. True when `wanted`
+    /// samples have gone by: then the column is in magnitudes(), until the next call. A line of another
+    /// length, or another way to merge, begins anew.
+    bool add(std::span<const float> powers, std::int32_t samples, double wanted, LineMerge merge);
 
-    std::span<const double> magnitudes() const { return {gathered_.data(), size_}; }
+    /// `count` of them; those behind the line's are any.
+    std::span<const double> magnitudes(std::size_t count) const { return {gathered_.data(), count}; }
 
     /// Forgets what has been gathered.
     void clear() {
@@ -27,7 +28,7 @@ public:
     }
 
 private:
-    ZeroedArray<double> gathered_{kLargestFrameLength}; ///< peaks, or sums of squares
+    ZeroedArray<double> gathered_{kLargestFrameLength}; ///< squares: peaks or sums; then their roots
     std::size_t size_ = 0;
     LineMerge merge_ = LineMerge::Peak;
     std::int64_t lines_ = 0;

@@ -138,7 +138,7 @@ void WaterfallAnalysis::draw(std::int32_t length, std::int32_t samples, std::int
                              std::int32_t scroll) {
     slowColumn_.clear();
     image_.setSource(source(samples));
-    image_.drawFFTLine(frames_.magnitudes(length), length, offset, scroll);
+    image_.drawFFTLine(frames_.magnitudes(length, image_.binsFor(length)), length, offset, scroll);
     drewLines_ = true;
 }
 
@@ -146,12 +146,12 @@ void WaterfallAnalysis::draw(std::int32_t length, std::int32_t samples, std::int
 void WaterfallAnalysis::gather(std::int32_t length, std::int32_t samples) {
     const double wanted = parameters_.slowSamples();
     const LineMerge merge = parameters_.lineMerge.load(std::memory_order_relaxed);
-    if (!slowColumn_.add(frames_.magnitudes(length), samples, wanted, merge))
+    if (!slowColumn_.add(frames_.powers(image_.binsFor(length)), samples, wanted, merge))
         return;
     ColumnSource slow = source(std::max<double>(samples, wanted));
     slow.merge = static_cast<std::int32_t>(merge);
     image_.setSource(slow);
-    image_.drawFFTLine(slowColumn_.magnitudes(), length, 1, 1);
+    image_.drawFFTLine(slowColumn_.magnitudes(static_cast<std::size_t>(length)), length, 1, 1);
     drewLines_ = true;
 }
 
@@ -159,6 +159,7 @@ ColumnSource WaterfallAnalysis::source(double samples) const {
     return {.samples = samples,
             .window = parameters_.waterfallWindowType.load(std::memory_order_relaxed),
             .channel = channel_,
+            .speedup = std::max(pass_.speedup, 1),
             .merge = -1};
 }
 

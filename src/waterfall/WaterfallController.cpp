@@ -97,7 +97,8 @@ void WaterfallController::setUpAdditions() {
     ui_->controlRows->setMaximumWidth(ui_->pictureGrid->maximumSize().width());
     for (const char* title : kChannelFoldTitles)
         ui_->channelPopup->addItem(title);
-    ui_->mergePopup->addItems({"Maximum", "Power mean"});
+    for (const char* title : kLineMergeTitles)
+        ui_->mergePopup->addItem(title);
     ui_->slowText->setStepLimits(0.0, kMostSlowSeconds);
     for (const auto& [key, owner] : std::initializer_list<std::pair<QKeySequence, QWidget*>>{
              {Qt::CTRL | Qt::Key_Space, &window_}, {Qt::Key_P, ui_->mainView}}) {
@@ -372,13 +373,12 @@ void WaterfallController::setPaused(bool isPaused) {
 
 /// As if the user had moved the sliders.
 void WaterfallController::fitLimits() {
-    const auto levels = rulers_->readout().levelsInView();
-    if (!levels) {
+    const auto limits = rulers_->readout().fittingLimits();
+    if (!limits) {
         source_->showNotice("There is nothing in the picture yet that the limits could fit");
         return;
     }
-    const double floor = std::floor(levels->lowest);
-    const double ceiling = std::max(std::ceil(levels->highest), floor + 1.0);
+    const auto [floor, ceiling] = *limits;
     ui_->minDbSlider->enterValue(floor);
     ui_->maxDbSlider->enterValue(ceiling);
     source_->showNotice(QString("New columns are painted from %1 to %2 dB").arg(floor).arg(ceiling));

@@ -28,17 +28,17 @@ public:
     /// produceSlidLine(). keep + hop is `length` or one less.
     void slideFrame(std::int32_t length, std::int32_t hop, std::int32_t keep);
 
-    /// Transforms the frame of takeFrame() into magnitudes. Returns the length of the transform in force,
-    /// which may be new.
+    /// Transforms the frame of takeFrame(). Returns the length of the transform in force, which may be new.
     std::int32_t produceLine() { return produce(waterfallWork_); }
 
     /// The same for the frame of slideFrame().
     std::int32_t produceSlidLine() { return produce(waterfallScratch_); }
 
-    /// The line of a transform of `length` samples.
-    std::span<const double> magnitudes(std::int32_t length) const {
-        return {waterfallMagnitudes_.data(), static_cast<std::size_t>(length)};
-    }
+    /// The squared magnitudes of the frame that was transformed last, of its first bins.
+    std::span<const float> powers(std::size_t bins);
+
+    /// The line of a transform of `length` samples. Those behind the first bins may be of an earlier line.
+    std::span<const double> magnitudes(std::int32_t length, std::size_t bins);
 
     /// WaterfallTransform::adoptRequestedLength.
     std::int32_t adoptRequestedLength() { return transform_.adoptRequestedLength(); }
@@ -50,8 +50,10 @@ private:
     SampleRing& ring_;
     DeferredLog& log_;
     WaterfallTransform transform_;
-    AlignedFloats waterfallWork_;    ///< the plain frame, or the sliding one as complex numbers
-    AlignedFloats waterfallScratch_; ///< the sliding frame, weighted
+    AlignedFloats waterfallWork_;     ///< the plain frame, or the sliding one as complex numbers
+    AlignedFloats waterfallScratch_;  ///< the sliding frame, weighted
+    const float* produced_ = nullptr; ///< of these two, the frame that was transformed last
+    ZeroedArray<float> waterfallPowers_;
     ZeroedArray<double> waterfallMagnitudes_;
     ZeroedArray<double> waterfallCoeffs_;
     std::int32_t coefficientLength_ = -1; ///< what the window was built for last

@@ -9,6 +9,7 @@
 #include <bit>
 #include <limits>
 #include <utility>
+#include <vector>
 
 namespace sonotrace {
 
@@ -54,6 +55,23 @@ WaterfallBounds WaterfallImage::bounds() const {
             std::bit_cast<float>(static_cast<std::uint32_t>(bits >> 32U))};
 }
 
+void WaterfallImage::takeScale(std::int32_t len, std::size_t bins, const WaterfallBounds& bounds) {
+    scale_.rows = {.startFreq = parameters_.waterfallStartFreq.load(std::memory_order_relaxed),
+                   .endFreq = parameters_.waterfallEndFreq.load(std::memory_order_relaxed),
+                   .height = bounds.height,
+                   .len = len,
+                   .bins = bins};
+    scale_.width = bounds.width;
+    bins_.setScale(scale_.rows);
+}
+
+std::size_t WaterfallImage::binsFor(std::int32_t len) {
+    const auto all = static_cast<std::size_t>(len);
+    takeScale(len, all, bounds());
+    const std::size_t half = all / 2 + 1;
+    return bins_.end() <= half ? half : all;
+}
+
 void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_t len, std::int32_t offset,
                                  std::int32_t scroll) {
     constexpr auto kRelaxed = std::memory_order_relaxed;
@@ -63,18 +81,11 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
         log_.add(statistics.logRecord()); // nothing to paint on yet: the line is lost
         return;
     }
-    scale_.rows = {.startFreq = parameters_.waterfallStartFreq.load(kRelaxed),
-                   .endFreq = parameters_.waterfallEndFreq.load(kRelaxed),
-                   .height = bounds.height,
-                   .len = len,
-                   .bins = magnitudes.size()};
-    scale_.width = bounds.width;
-    bins_.setScale(scale_.rows);
+    takeScale(len, magnitudes.size(), bounds);
     const float minDB = parameters_.waterfallMinDB.load(kRelaxed);
     const float maxDB = parameters_.waterfallMaxDB.load(kRelaxed);
     const LevelScale scale(minDB, maxDB);
-    const auto& pixels =
-        parameters_.colorWaterfallPlot.load(kRelaxed) != 0 ? colors_.colors() : colors_.greys();
+    const auto& pixels = palette();
     const std::int32_t column = truncateToInt32(static_cast<double>(bounds.width) - offset);
     const bool scrolls = scroll > 0 && scroll < ScrollingBitmap::kWidth;
     const bool paints = column >= 0 && column < ScrollingBitmap::kWidth;
@@ -82,14 +93,19 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
     AudibleRange audible;
     double previous = std::numeric_limits<double>::quiet_NaN();
     std::uint32_t pixel = 0;
+    std::uint16_t hundredths = 0;
     std::array<std::uint32_t, RowBins::kMostRows> words; // of the rows, the last one at the end
+    std::array<std::uint16_t, RowBins::kMostRows> levels;
     for (std::size_t y = 0; y < bins_.rows(); ++y) {
         const double value = bins_.value(magnitudes, y);
         if (value != previous) { // with few bins many rows share one, and a logarithm is what costs
             previous = value;
-            pixel = pixels[static_cast<std::size_t>(scale.step(value))];
+            const double decibels = LevelScale::decibels(value);
+            pixel = pixels[static_cast<std::size_t>(scale.stepAt(decibels))];
+            hundredths = LevelScale::hundredths(decibels);
         }
         words[words.size() - 1 - y] = pixel;
+        levels[y] = hundredths;
         statistics.addMagnitude(value);
         audible.add(LevelScale::audible(value));
     }
@@ -97,8 +113,11 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
         offscreen_.scrollRows(bins_.rows(), scroll);
         scrolled_.store(scrolled() + scroll, kRelaxed);
     }
-    number(scrolled() + column, {static_cast<float>(LevelScale::decibels(audible.smallest)),
-                                 static_cast<float>(LevelScale::decibels(audible.largest)), minDB, maxDB});
+    number(scrolled() + column);
+    kept_.keep(scrolled() + column,
+               {static_cast<float>(LevelScale::decibels(audible.smallest)),
+                static_cast<float>(LevelScale::decibels(audible.largest)), minDB, maxDB},
+               scale_, std::span(levels).first(bins_.rows()));
     if (paints)
         offscreen_.paintColumn(std::span(words).last(bins_.rows()), column);
     // The level follows the magnitude upward, or downward with crossed limits: its extremes are at the ends.
@@ -107,10 +126,34 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
     log_.add(statistics.logRecord());
 }
 
-/// Notes what a column is, and where the columns begin that it can be compared with.
-void WaterfallImage::number(ColumnNumber column, const ColumnLevels& levels) {
+void WaterfallImage::repaint() {
+    const auto newest = kept_.newestScale();
+    if (!newest)
+        return;
+    const float minDB = parameters_.waterfallMinDB.load(std::memory_order_relaxed);
+    const float maxDB = parameters_.waterfallMaxDB.load(std::memory_order_relaxed);
+    const LevelScale scale(minDB, maxDB);
+    const auto& pixels = palette();
+    std::vector<std::uint16_t> levels(RowBins::rowsOf(newest->scale.rows.height));
+    std::vector<std::uint32_t> words(levels.size());
+    for (std::int32_t column = 0; column < ScrollingBitmap::kWidth; ++column) {
+        auto extremes = kept_.levels(scrolled() + column);
+        if (!extremes || !kept_.copyRows(scrolled() + column, newest->number, levels))
+            continue;
+        std::ranges::transform(levels, words.rbegin(), [&](std::uint16_t level) {
+            return pixels[static_cast<std::size_t>(scale.stepAt(level / 100.0))];
+        });
+        offscreen_.paintColumn(words, column);
+        extremes->minDB = minDB;
+        extremes->maxDB = maxDB;
+        kept_.keep(scrolled() + column, *extremes, newest->scale, levels);
+    }
+}
+
+/// Notes where the columns begin that it can be compared with.
+void WaterfallImage::number(ColumnNumber column) {
     constexpr auto kRelaxed = std::memory_order_relaxed;
-    const Scale last = std::exchange(lastScale_, scale_);
+    const ColumnScale last = std::exchange(lastScale_, scale_);
     const bool hadGap = std::exchange(hasGap_, false);
     if (samplesPerColumn() > 0.0) { // not the first: there is something left of it
         const auto beginUnless = [column](bool isSame, std::atomic<ColumnNumber>& begin) {
@@ -123,31 +166,12 @@ void WaterfallImage::number(ColumnNumber column, const ColumnLevels& levels) {
         beginUnless(!hadGap, gapEnd_);
     }
     samplesPerColumn_.store(scale_.source.samples, kRelaxed);
-    KeptLevels& kept = levels_[slot(column)];
-    kept.column.store(kNone, kRelaxed); // a reader in between finds nothing rather than a mixture
-    kept.lowestDb.store(levels.lowestDb, std::memory_order_release);
-    kept.highestDb.store(levels.highestDb, std::memory_order_release);
-    kept.minDB.store(levels.minDB, std::memory_order_release);
-    kept.maxDB.store(levels.maxDB, std::memory_order_release);
-    kept.column.store(column, std::memory_order_release);
 }
 
 std::optional<std::int32_t> WaterfallImage::stepAt(std::int32_t row, std::int32_t column) const {
     if (row < 0 || row >= ScrollingBitmap::kHeight || column < 0 || column >= ScrollingBitmap::kWidth)
         return std::nullopt;
     return colors_.stepOf(offscreen_.word(row, (offscreen_.origin(row) + column) % ScrollingBitmap::kWidth));
-}
-
-std::optional<ColumnLevels> WaterfallImage::levels(ColumnNumber column) const {
-    constexpr auto kAcquire = std::memory_order_acquire;
-    const KeptLevels& kept = levels_[slot(column)];
-    if (kept.column.load(kAcquire) != column)
-        return std::nullopt;
-    const ColumnLevels levels{kept.lowestDb.load(kAcquire), kept.highestDb.load(kAcquire),
-                              kept.minDB.load(kAcquire), kept.maxDB.load(kAcquire)};
-    if (kept.column.load(std::memory_order_relaxed) != column)
-        return std::nullopt;
-    return levels;
 }
 
 } // namespace sonotrace

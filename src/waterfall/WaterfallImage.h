@@ -1,6 +1,7 @@
 #pragma once
 
 #include "waterfall/ColorMap.h"
+#include "waterfall/KeptColumns.h"
 #include "waterfall/LineStatistics.h"
 #include "waterfall/RowBins.h"
 #include "waterfall/ScrollingBitmap.h"
@@ -9,7 +10,6 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <span>
 
@@ -19,27 +19,6 @@ namespace sonotrace {
 struct WaterfallBounds {
     float width = 0;
     float height = 0;
-};
-
-/// What the columns of a picture are made of. Columns that differ in this have times or rows of their own.
-struct ColumnSource {
-    double samples = 0; ///< from a column to the next
-    FftWindowType window = 0;
-    ChannelFold channel = ChannelFold::Sum;
-    std::int32_t merge = -1; ///< LineMerge of slow columns
-    bool operator==(const ColumnSource&) const = default;
-};
-
-/// Numbers for the columns that were ever painted, which they keep while they move to the left: the place in
-/// the picture plus the pixels it has scrolled by.
-using ColumnNumber = std::int64_t;
-
-/// What one column holds, whatever its colours show of it.
-struct ColumnLevels {
-    float lowestDb = 0; ///< on the display's own scale
-    float highestDb = 0;
-    float minDB = 0; ///< limits of the colours
-    float maxDB = 0;
 };
 
 /// The waterfall's picture, 1536 x 1024 pixels, all bytes zero at first. Each magnitude line becomes one
@@ -69,6 +48,14 @@ public:
     void drawFFTLine(std::span<const double> magnitudes, std::int32_t len, std::int32_t offset,
                      std::int32_t scroll);
 
+    /// How many bins of a transform of `len` samples a line is to have now: up to half the sample rate, or
+    /// all where rows are above that. Capture thread.
+    std::size_t binsFor(std::int32_t len);
+
+    /// Paints the columns in view, as far as they are of the newest one's scale, with the colours and limits
+    /// of now, from their levels as they are kept. Capture thread.
+    void repaint();
+
     /// What the next lines are made of. Capture thread.
     void setSource(const ColumnSource& source) { scale_.source = source; }
 
@@ -89,7 +76,10 @@ public:
     ColumnNumber gapEnd() const { return gapEnd_.load(std::memory_order_relaxed); }
 
     /// Nothing for a column that was never painted or has left the picture.
-    std::optional<ColumnLevels> levels(ColumnNumber column) const;
+    std::optional<ColumnLevels> levels(ColumnNumber column) const { return kept_.levels(column); }
+
+    /// The same for the levels of all rows.
+    const KeptColumns& keptColumns() const { return kept_; }
 
     /// ColorMap::stepOf the pixel of a row and a column of the picture; none for one outside it.
     std::optional<std::int32_t> stepAt(std::int32_t row, std::int32_t column) const;
@@ -104,38 +94,21 @@ public:
     const ScrollingBitmap& bitmap() const { return offscreen_; }
 
 private:
-    /// What the rows and the distances of columns mean.
-    struct Scale {
-        ColumnSource source;
-        RowBins::Scale rows;
-        float width = 0;
-        bool operator==(const Scale&) const = default;
-        bool hasRowsOf(const Scale& other) const {
-            return rows.startFreq == other.rows.startFreq && rows.endFreq == other.rows.endFreq &&
-                   rows.height == other.rows.height;
-        }
-        bool hasRateOf(const Scale& other) const {
-            return source.samples == other.source.samples && width == other.width;
-        }
-    };
-    struct KeptLevels {
-        std::atomic<ColumnNumber> column{kNone};
-        std::atomic<float> lowestDb, highestDb, minDB, maxDB;
-    };
-    static constexpr ColumnNumber kNone = std::numeric_limits<ColumnNumber>::min();
-    static std::size_t slot(ColumnNumber column) {
-        constexpr ColumnNumber kSlots = ScrollingBitmap::kWidth;
-        return static_cast<std::size_t>((column % kSlots + kSlots) % kSlots);
-    }
+    static constexpr ColumnNumber kNone = KeptColumns::kNone;
 
-    void number(ColumnNumber column, const ColumnLevels& levels);
+    void takeScale(std::int32_t len, std::size_t bins, const WaterfallBounds& bounds);
+    void number(ColumnNumber column);
+    const std::array<std::uint32_t, 256>& palette() const {
+        const bool isColoured = parameters_.colorWaterfallPlot.load(std::memory_order_relaxed) != 0;
+        return isColoured ? colors_.colors() : colors_.greys();
+    }
 
     const WaterfallParameters& parameters_;
     DeferredLog& log_;
     ColorMap colors_;
-    RowBins bins_;    ///< capture thread, as the next three
-    Scale scale_;     ///< of the next line
-    Scale lastScale_; ///< of the line before
+    RowBins bins_;          ///< capture thread, as the next three
+    ColumnScale scale_;     ///< of the next line
+    ColumnScale lastScale_; ///< of the line before
     bool hasGap_ = false;
     std::atomic<ColumnNumber> scrolled_{0};
     std::atomic<ColumnNumber> scaleBegin_{kNone};
@@ -143,7 +116,7 @@ private:
     std::atomic<ColumnNumber> rateBegin_{kNone};
     std::atomic<ColumnNumber> gapEnd_{kNone};
     std::atomic<double> samplesPerColumn_{0};
-    std::array<KeptLevels, ScrollingBitmap::kWidth> levels_;
+    KeptColumns kept_;
     ScrollingBitmap offscreen_;
     std::atomic<std::uint64_t> bounds_{0}; ///< both sizes' bits in one value, so that they change together
     static_assert(std::atomic<std::uint64_t>::is_always_lock_free &&

@@ -5,6 +5,7 @@
 #include "base/SampleRate.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdint>
 
@@ -16,6 +17,8 @@ inline constexpr std::int32_t kLargestFrameLength = 1 << kLargestLog2Length;
 
 /// How the lines of a slow column become one, bin by bin; position in the window's menu.
 enum class LineMerge : std::int32_t { Peak, PowerMean };
+
+inline constexpr std::array<const char*, 2> kLineMergeTitles = {"Maximum", "Power mean"};
 
 // A shorter time is what the speed-up is for, and pictures that are saved when they are full would follow
 // each other in no time.
@@ -41,6 +44,7 @@ struct WaterfallParameters {
     std::atomic<ChannelFold> channel{ChannelFold::Sum};
     std::atomic<std::int32_t> paused{0};               ///< by the button, whatever the speed-up
     std::atomic<double> slowSeconds{0.0};              ///< a column; 0 and below: a column is a line
+    double leastSlowSeconds = kLeastSlowSeconds;       ///< set before lines are drawn
     std::atomic<LineMerge> lineMerge{LineMerge::Peak}; ///< of the lines of a slow column
 
     /// N as a number of samples that fits every buffer, whatever is stored. Any thread.
@@ -56,7 +60,7 @@ struct WaterfallParameters {
         const double seconds = slowSeconds.load(std::memory_order_relaxed);
         if (!(seconds > 0.0)) // also not a number
             return 0.0;
-        return std::clamp(seconds, kLeastSlowSeconds, kMostSlowSeconds) * kSampleRate;
+        return std::clamp(seconds, leastSlowSeconds, kMostSlowSeconds) * kSampleRate;
     }
 };
 

@@ -104,4 +104,12 @@ std::optional<DbRange> WaterfallReadout::levelsInView() const {
     return DbRange{static_cast<double>(*quarter), static_cast<double>(highest)};
 }
 
+std::optional<DbRange> WaterfallReadout::fittingLimits() const {
+    const auto levels = levelsInView();
+    if (!levels)
+        return std::nullopt;
+    const double floor = std::floor(levels->lowest);
+    return DbRange{floor, std::max(std::ceil(levels->highest), floor + 1.0)};
+}
+
 } // namespace sonotrace

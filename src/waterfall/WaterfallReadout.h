@@ -54,6 +54,11 @@ public:
                      ColumnNumber scrolled)
         : parameters_(parameters), image_(image), bounds_(image.bounds()), scrolled_(scrolled) {}
 
+    const WaterfallParameters& parameters() const { return parameters_; }
+    const WaterfallImage& image() const { return image_; }
+    const WaterfallBounds& bounds() const { return bounds_; }
+    ColumnNumber scrolled() const { return scrolled_; }
+
     Axis frequencyAxis() const; ///< Hz, upward
     Axis timeAxis() const;      ///< seconds before the newest column, from left to right
 
@@ -67,6 +72,9 @@ public:
     /// loudest, and down to what three quarters of them stay above. A notch in a few of them, or a silence,
     /// does not stretch the range. Nothing when there is no such column, or only silence.
     std::optional<DbRange> levelsInView() const;
+
+    /// The same as limits: whole, and a decibel apart at least.
+    std::optional<DbRange> fittingLimits() const;
 
 private:
     double frequency(double y) const;

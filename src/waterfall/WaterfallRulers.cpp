@@ -1,6 +1,7 @@
 #include "waterfall/WaterfallRulers.h"
 
 #include "waterfall/ColorBar.h"
+#include "waterfall/WaterfallScales.h"
 #include "waterfall/WaterfallView.h"
 #include "widgets/ReadingsPanel.h"
 
@@ -15,24 +16,8 @@ namespace sonotrace {
 namespace {
 
 constexpr auto kRelaxed = std::memory_order_relaxed;
-const QColor kReferenceColour(0x2a, 0x8c, 0xe0);
-const QColor kBreakColour(0xe0, 0x8a, 0x00);
 const QString kNone("–");
 constexpr std::size_t kReadings = 5;
-
-struct TimeUnit {
-    const char* name;
-    double perSecond;
-};
-
-/// The one that keeps the numbers of an axis short.
-TimeUnit unitOf(double seconds) {
-    if (seconds < 0.5)
-        return {"ms", 1000.0};
-    if (seconds < 300.0)
-        return {"s", 1.0};
-    return seconds < 18000.0 ? TimeUnit{"min", 1.0 / 60.0} : TimeUnit{"h", 1.0 / 3600.0};
-}
 
 /// As wide with few digits as with many.
 QString number(double value, int width, int decimals) {
@@ -113,30 +98,13 @@ void WaterfallRulers::refresh() {
 }
 
 void WaterfallRulers::showAxes(const WaterfallReadout& readout) {
-    Axis time = readout.timeAxis();
-    const TimeUnit unit = unitOf(time.from);
-    time.from *= unit.perSecond;
-    std::vector<RulerMark> times;
-    const auto mark = [&](ColumnNumber column, const char* text) {
-        times.push_back(
-            {readout.secondsAgo(static_cast<double>(column)) * unit.perSecond, text, kBreakColour});
-    };
-    mark(image_.scaleBegin(), "‹ other scale");
-    if (image_.gapEnd() > image_.scaleBegin())
-        mark(image_.gapEnd(), "‹ gap");
-    std::vector<RulerMark> frequencies;
-    if (reference_) {
-        times.push_back(
-            {readout.secondsAgo(reference_->column) * unit.perSecond, "reference", kReferenceColour});
-        frequencies.push_back({reference_->frequencyHz, {}, kReferenceColour});
-    }
-    times_.setUnit(unit.name);
-    times_.setAxis(time);
-    times_.setMarks(std::move(times));
-    frequencies_.setAxis(readout.frequencyAxis());
-    frequencies_.setMarks(std::move(frequencies));
-    levels_.setAxis({.from = static_cast<double>(parameters_.waterfallMinDB.load(kRelaxed)),
-                     .to = static_cast<double>(parameters_.waterfallMaxDB.load(kRelaxed))});
+    const WaterfallScales scales = waterfallScales(readout, reference_);
+    times_.setUnit(scales.times.unit);
+    times_.setAxis(scales.times.axis);
+    times_.setMarks(scales.times.marks);
+    frequencies_.setAxis(scales.frequencies.axis);
+    frequencies_.setMarks(scales.frequencies.marks);
+    levels_.setAxis(scales.levels.axis);
     around_.colorBar.setColoured(parameters_.colorWaterfallPlot.load(kRelaxed) != 0);
 }
 

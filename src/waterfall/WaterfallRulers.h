@@ -34,6 +34,8 @@ public:
     /// Sets the point that times and frequencies are also counted from.
     void setReference(const PicturePoint& point);
 
+    const std::optional<PictureReference>& reference() const { return reference_; }
+
     /// What refresh() goes by.
     WaterfallReadout readout() const;
 

@@ -1,8 +1,8 @@
 #include "waterfall/WaterfallView.h"
 
-#include <QBuffer>
+#include "waterfall/PictureFile.h"
+
 #include <QImage>
-#include <QImageWriter>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -145,14 +145,7 @@ QByteArray WaterfallView::ReturnTiff() const {
 }
 
 QByteArray WaterfallView::written(const char* format) const {
-    if (!image_)
-        return {};
-    QImage whole(kPicture, QImage::Format_RGBA8888);
-    image_->copyRows(0, kPicture.height(), kPicture.width(), whole.bits(), whole.bytesPerLine());
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    QImageWriter writer(&buffer, format);
-    return writer.write(whole) ? buffer.data() : QByteArray();
+    return image_ ? writtenPicture(*image_, format) : QByteArray();
 }
 
 } // namespace sonotrace

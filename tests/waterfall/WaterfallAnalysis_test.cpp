@@ -83,7 +83,9 @@ TEST(SampleRing, FoldsTheChannelsAsChosen) {
                                           {ChannelFold::Difference, -1},
                                           {static_cast<ChannelFold>(99), -25535}}) {
         ring.fold(std::array<std::int16_t, 2>{20000, 20001}, channel);
-        EXPECT_EQ(ring.next(), sample) << static_cast<int>(channel);
+        ring.take(1, [&](std::size_t, std::span<const std::int16_t> taken) {
+            EXPECT_EQ(taken.front(), sample) << static_cast<int>(channel);
+        });
     }
 }
 
@@ -91,13 +93,13 @@ TEST(SlowColumn, IsThePeakOrThePowerMeanOfItsLines) {
     for (const auto& [merge, first, second] :
          {std::tuple{LineMerge::Peak, 4.0, 1.0}, {LineMerge::PowerMean, std::sqrt(12.5), std::sqrt(0.5)}}) {
         SlowColumn column;
-        EXPECT_FALSE(column.add(std::vector{9.0}, 50, 100.0, merge)) << "of another length: forgotten";
-        EXPECT_FALSE(column.add(std::vector{3.0, 1.0}, 50, 100.0, merge));
-        EXPECT_TRUE(column.add(std::vector{4.0, 0.0}, 70, 100.0, merge));
-        EXPECT_DOUBLE_EQ(column.magnitudes()[0], first);
-        EXPECT_DOUBLE_EQ(column.magnitudes()[1], second);
-        EXPECT_TRUE(column.add(std::vector{2.0, 2.0}, 80, 100.0, merge)) << "20 were left over";
-        EXPECT_DOUBLE_EQ(column.magnitudes()[0], 2.0);
+        EXPECT_FALSE(column.add(std::vector{81.0F}, 50, 100.0, merge)) << "of another length: forgotten";
+        EXPECT_FALSE(column.add(std::vector{9.0F, 1.0F}, 50, 100.0, merge));
+        EXPECT_TRUE(column.add(std::vector{16.0F, 0.0F}, 70, 100.0, merge));
+        EXPECT_DOUBLE_EQ(column.magnitudes(2)[0], first);
+        EXPECT_DOUBLE_EQ(column.magnitudes(2)[1], second);
+        EXPECT_TRUE(column.add(std::vector{4.0F, 4.0F}, 80, 100.0, merge)) << "20 were left over";
+        EXPECT_DOUBLE_EQ(column.magnitudes(2)[0], 2.0);
     }
 }
 

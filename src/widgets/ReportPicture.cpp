@@ -1,0 +1,313 @@
+#include "widgets/ReportPicture.h"
+
+#include "widgets/Paper.h"
+#include "widgets/ReadingColumns.h"
+
+#include <QBuffer>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPdfWriter>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace sonotrace {
+
+namespace {
+
+constexpr int kTextSize = 13; // points, as all that follows
+constexpr double kTitleSize = 1.4;
+constexpr int kMargin = 20;
+constexpr int kGap = 8;
+constexpr QSize kUsualPage(1280, 720);
+constexpr double kSmallestScale = 0.75; // of a page as it is asked for,
+constexpr double kLeastScale = 0.5;     // and where much has to stand on it
+constexpr double kStep = 0.95;          // from one try of a scale to the next
+constexpr double kPointsPerInch = 96.0;
+constexpr double kA4Scale = 300.0 / kPointsPerInch;
+constexpr int kPaperResolution = 1200; // dots an inch: lines are rounded to them
+constexpr int kMostPixels = 32767;     // each way, that a painter can reach
+const QColor kInk(0x1a, 0x1a, 0x1a);
+const QColor kQuietInk(0x60, 0x60, 0x60);
+const QColor kRule(0xc8, 0xc8, 0xc8);
+
+/// Where glyphs are not on the screen's grid they are spaced as in print.
+QFont pageFont(bool isOnGrid) {
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(kTextSize);
+    font.setHintingPreference(isOnGrid ? QFont::PreferDefaultHinting : QFont::PreferNoHinting);
+    return font;
+}
+
+QFont titleFont(QFont font) {
+    font.setPixelSize(static_cast<int>(kTitleSize * kTextSize));
+    font.setBold(true);
+    return font;
+}
+
+QFontMetrics metricsOfPage() {
+    return QFontMetrics(pageFont(false));
+}
+
+int headHeight() {
+    return QFontMetrics(titleFont(pageFont(false))).height() + metricsOfPage().height() + kGap;
+}
+
+/// With its heading.
+int blockHeight(const std::vector<Reading>& block, int width, int group) {
+    if (block.empty())
+        return 0;
+    const QFontMetrics metrics = metricsOfPage();
+    const ReadingColumns columns(block, metrics, width, group);
+    return kGap + (1 + columns.rows()) * metrics.lineSpacing();
+}
+
+void paintBlock(QPainter& painter, const QString& heading, const std::vector<Reading>& block,
+                const QRect& place, int group) {
+    if (block.empty())
+        return;
+    const QFontMetrics metrics = metricsOfPage();
+    const int line = metrics.lineSpacing();
+    const ReadingColumns columns(block, metrics, place.width(), group);
+    painter.fillRect(QRectF(place.left(), place.top() + kGap / 2, place.width(), lineThickness(painter)),
+                     kRule);
+    QFont bold = painter.font();
+    bold.setBold(true);
+    painter.save();
+    painter.setFont(bold);
+    painter.setPen(kInk);
+    painter.drawText(QRect(place.left(), place.top() + kGap, place.width(), line), Qt::AlignLeft, heading);
+    painter.restore();
+    for (int i = 0; i < static_cast<int>(block.size()); ++i) {
+        const Reading& reading = block[static_cast<std::size_t>(i)];
+        const ReadingColumns::Place& column = columns.place(i % columns.columns());
+        const int top = place.top() + kGap + (1 + i / columns.columns()) * line;
+        painter.setPen(kQuietInk);
+        painter.drawText(QRect(place.left() + column.name, top, column.value - column.name, line),
+                         Qt::AlignLeft | Qt::TextSingleLine, reading.name);
+        painter.setPen(kInk);
+        const int room = column.end - column.value;
+        painter.drawText(QRect(place.left() + column.value, top, room, line),
+                         Qt::AlignLeft | Qt::TextSingleLine | Qt::TextDontClip,
+                         metrics.horizontalAdvance(reading.value) > room
+                             ? metrics.elidedText(reading.value, Qt::ElideRight, room)
+                             : reading.value);
+    }
+}
+
+std::vector<Reading> asReadings(const std::vector<Setting>& settings) {
+    std::vector<Reading> readings;
+    readings.reserve(settings.size());
+    for (const Setting& setting : settings)
+        readings.push_back({QString::fromStdString(setting.name), QString::fromStdString(setting.value), {}});
+    return readings;
+}
+
+/// The same at every scale, as all measures of the layout.
+int rulerPoints(RulerSide side) {
+    return static_cast<int>(std::ceil(rulerDepth(side, pageFont(false))));
+}
+
+/// Room that the rulers take at the sides of a face.
+QMargins rulerMargins(const ReportPlot& plot) {
+    QMargins margins;
+    for (const RulerSide side : plot.sides()) {
+        const int depth = rulerPoints(side);
+        if (side == RulerSide::Left)
+            margins.setLeft(depth);
+        else if (side == RulerSide::Right)
+            margins.setRight(depth);
+        else
+            margins.setBottom(depth);
+    }
+    margins.setRight(margins.right() + plot.stripWidth());
+    return margins;
+}
+
+} // namespace
+
+/// Places on a page, in points.
+struct ReportPicture::Layout {
+    QSize page;
+    double scale = 1; ///< pixels a point
+    QRect head;
+    QRect face;
+    QRect settings;
+    QRect readings;
+    bool isWhole = false; ///< nothing is cut
+};
+
+PageSize PageSize::ofPixels(const QSize& pixels) {
+    const double scale = std::min(static_cast<double>(pixels.width()) / kUsualPage.width(),
+                                  static_cast<double>(pixels.height()) / kUsualPage.height());
+    const double taken = std::max(scale, kSmallestScale);
+    return {pixels, taken, std::min(taken, std::max(kLeastScale, taken / 2.0))};
+}
+
+PageSize PageSize::a4() {
+    return {QSize(3508, 2480), kA4Scale, kA4Scale / 2.0};
+}
+
+ReportPicture::ReportPicture(ReportContent content, std::unique_ptr<ReportPlot> plot)
+    : content_(std::move(content)), settings_(asReadings(content_.settings)), plot_(std::move(plot)) {}
+
+int ReportPicture::textHeight(int width) const {
+    return blockHeight(settings_, width, 1) + blockHeight(content_.readings, width, content_.readingsGroup);
+}
+
+PageSize ReportPicture::around(const QSize& face, double scale) const {
+    const QMargins rulers = rulerMargins(*plot_);
+    const int inner = face.width() + rulers.left() + rulers.right();
+    const QSize points(inner + 2 * kMargin, 2 * kMargin + headHeight() + face.height() + rulers.top() +
+                                                rulers.bottom() + textHeight(inner));
+    return {(QSizeF(points) * scale).toSize(), scale, scale};
+}
+
+ReportPicture::Layout ReportPicture::layOut(const QSize& points) const {
+    Layout layout;
+    layout.page = points;
+    const QRect inner = QRect(QPoint(0, 0), points).adjusted(kMargin, kMargin, -kMargin, -kMargin);
+    const int settings = blockHeight(settings_, inner.width(), 1);
+    const int text = textHeight(inner.width());
+    layout.head = QRect(inner.topLeft(), QSize(inner.width(), headHeight()));
+    const QRect below = inner.adjusted(0, layout.head.height(), 0, 0);
+    const QMargins rulers = rulerMargins(*plot_);
+    const QSize room = QRect(below).marginsRemoved(rulers).size() - QSize(0, text);
+    const QSize least = plot_->least();
+    layout.isWhole = room.width() >= least.width() && room.height() >= least.height();
+    // What has no room at all goes over the page's lower edge.
+    const int height = std::max({room.height(), std::min(least.height(), below.height() / 2), 1});
+    layout.face =
+        QRect(below.left() + rulers.left(), below.top() + rulers.top(), std::max(room.width(), 1), height);
+    layout.settings =
+        QRect(inner.left(), layout.face.bottom() + 1 + rulers.bottom(), inner.width(), settings);
+    layout.readings = QRect(inner.left(), layout.settings.bottom() + 1, inner.width(), text - settings);
+    return layout;
+}
+
+ReportPicture::Layout ReportPicture::fitted(const PageSize& page) const {
+    double scale = page.scale;
+    Layout layout = layOut((QSizeF(page.pixels) / scale).toSize());
+    while (!layout.isWhole && scale * kStep >= page.leastScale) {
+        scale *= kStep;
+        layout = layOut((QSizeF(page.pixels) / scale).toSize());
+    }
+    layout.scale = scale;
+    return layout;
+}
+
+QImage ReportPicture::image(const PageSize& page) const {
+    if (page.pixels.isEmpty() || page.pixels.width() > kMostPixels || page.pixels.height() > kMostPixels)
+        return {};
+    QImage image(page.pixels, QImage::Format_RGB32);
+    if (image.isNull())
+        return {};
+    const int dotsPerMetre = qRound(page.scale * kPointsPerInch / 0.0254);
+    image.setDotsPerMeterX(dotsPerMetre);
+    image.setDotsPerMeterY(dotsPerMetre);
+    image.setText("Title", content_.title);
+    image.setText("Software", QString::fromStdString(content_.origin.program));
+    image.setText("Source", QString::fromStdString(content_.origin.source));
+    image.setText("Creation Time", QString::fromStdString(content_.origin.time));
+    image.fill(Qt::white);
+    const Layout layout = fitted(page);
+    QPainter painter(&image);
+    painter.scale(layout.scale, layout.scale);
+    paint(painter, layout);
+    return image;
+}
+
+QByteArray ReportPicture::png(const PageSize& page) const {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    const QImage picture = image(page);
+    return !picture.isNull() && picture.save(&buffer, "PNG") ? bytes : QByteArray();
+}
+
+QByteArray ReportPicture::pdf(const PageSize& page) const {
+    if (page.pixels.isEmpty() || page.pixels.width() > kMostPixels || page.pixels.height() > kMostPixels)
+        return {};
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QPdfWriter writer(&buffer);
+    writer.setTitle(content_.title);
+    writer.setCreator(QString::fromStdString(content_.origin.program));
+    writer.setResolution(kPaperResolution);
+    const QSizeF inches = QSizeF(page.pixels) / page.scale / kPointsPerInch;
+    writer.setPageSize(QPageSize(inches, QPageSize::Inch, content_.title, QPageSize::ExactMatch));
+    writer.setPageMargins(QMarginsF());
+    const Layout layout = fitted(page);
+    QPainter painter;
+    if (!painter.begin(&writer))
+        return {};
+    const double dots = kPaperResolution * inches.width() * layout.scale / page.pixels.width();
+    painter.scale(dots, dots);
+    paint(painter, layout);
+    return painter.end() ? bytes : QByteArray();
+}
+
+void ReportPicture::paint(QPainter& painter, const Layout& layout) const {
+    painter.setFont(pageFont(layout.scale == 1.0));
+    paintHead(painter, layout);
+    paintPlot(painter, layout);
+    paintBlock(painter, "Settings", settings_, layout.settings, 1);
+    paintBlock(painter, "Readings", content_.readings, layout.readings, content_.readingsGroup);
+}
+
+void ReportPicture::paintHead(QPainter& painter, const Layout& layout) const {
+    const QFont font = painter.font();
+    const QFontMetrics metrics = metricsOfPage();
+    const int titleLine = QFontMetrics(titleFont(font)).height();
+    const QRect first(layout.head.topLeft(), QSize(layout.head.width(), titleLine));
+    const QRect second(first.left(), first.bottom() + 1, first.width(), metrics.height());
+    const QString time = QString::fromStdString(content_.origin.time).replace('T', ' ');
+    const QString program = QString::fromStdString(content_.origin.program);
+    painter.setPen(kInk);
+    painter.drawText(first, Qt::AlignRight | Qt::AlignBottom, time);
+    painter.setFont(titleFont(font));
+    painter.drawText(first, Qt::AlignLeft | Qt::AlignBottom, content_.title);
+    painter.setFont(font);
+    painter.setPen(kQuietInk);
+    painter.drawText(second, Qt::AlignRight | Qt::AlignTop, program);
+    const int room = second.width() - metrics.horizontalAdvance(program) - 2 * kGap;
+    painter.drawText(second, Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
+                     metrics.elidedText(QString::fromStdString(content_.origin.source), Qt::ElideMiddle,
+                                        std::max(room, 0)));
+}
+
+void ReportPicture::paintPlot(QPainter& painter, const Layout& layout) const {
+    const QRect& face = layout.face;
+    const std::vector<RulerScale> rulers = plot_->build(face.size());
+    const auto paintAt = [&painter](const QPoint& corner, const auto& what) {
+        painter.save();
+        painter.translate(corner);
+        what();
+        painter.restore();
+    };
+    const QFont font = painter.font();
+    paintAt(face.topLeft(), [&] {
+        painter.setClipRect(QRect(QPoint(0, 0), face.size()));
+        plot_->paint(painter, font);
+    });
+    const int strip = plot_->stripWidth();
+    if (strip > 0)
+        paintAt(face.topRight() + QPoint(1, 0),
+                [&] { plot_->paintStrip(painter, QSize(strip, face.height())); });
+    for (const RulerScale& ruler : rulers) {
+        const int depth = rulerPoints(ruler.side);
+        QPoint corner = face.bottomLeft() + QPoint(0, 1);
+        QSize size(face.width(), depth);
+        if (ruler.side != RulerSide::Bottom) {
+            const bool isLeft = ruler.side == RulerSide::Left;
+            corner = isLeft ? face.topLeft() - QPoint(depth, 0) : face.topRight() + QPoint(1 + strip, 0);
+            size = QSize(depth, face.height());
+        }
+        paintAt(corner, [&] { RulerPainter(painter, ruler, size, {font, kInk, Qt::white}).paint(); });
+    }
+}
+
+} // namespace sonotrace
