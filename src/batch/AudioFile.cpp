@@ -66,7 +66,9 @@ std::uint64_t statedBytes(int descriptor) {
 } // namespace
 
 AudioFile::AudioFile(std::string path, const AudioFileOptions& options)
-    : isStandardInput_(path == "-"), name_(isStandardInput_ ? "standard input" : std::move(path)) {
+    : isStandardInput_(path == "-"),
+      name_(isStandardInput_ ? "standard input" : std::move(path)),
+      startSeconds_(options.startSeconds) {
     openFile();
     checkFormat(options.resamples);
     warnIfCutOff();
