@@ -21,6 +21,7 @@ _sonotrace() {
     --channel) words='left right sum difference' ;;
     --mains) words='50 60' ;;
     --size) words='1280x720 1920x1080 3840x2160' ;;
+    --merge) words='maximum power-mean' ;;
     esac
     if [ -n "$words" ]; then
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")

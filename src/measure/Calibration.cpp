@@ -1,5 +1,7 @@
 #include "measure/Calibration.h"
 
+#include "base/PlainNumber.h"
+
 #include <cmath>
 #include <numbers>
 
@@ -68,6 +70,13 @@ std::string_view calibrationTrouble(const Calibration& calibration) {
 
 bool isCalibrated(const Calibration& calibration) {
     return linearUnit(calibration.unit) != LevelUnit::None && calibrationTrouble(calibration).empty();
+}
+
+std::string calibrationText(const Calibration& calibration) {
+    if (!isCalibrated(calibration))
+        return "none";
+    return "a full-scale sine is " + plainNumber(calibration.fullScale) + " " +
+           std::string(unitName(calibration.unit));
 }
 
 std::optional<double> levelInUnit(const Calibration& calibration, double levelDbfs) {

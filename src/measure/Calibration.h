@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace sonotrace {
@@ -32,6 +33,9 @@ LevelUnit linearUnit(LevelUnit unit);
 std::string_view calibrationTrouble(const Calibration& calibration);
 
 bool isCalibrated(const Calibration& calibration);
+
+/// What full scale is, in words: "a full-scale sine is 1.2345 V".
+std::string calibrationText(const Calibration& calibration);
 
 /// The value in the unit of a level, 0 dBFS being a full-scale sine; nothing where the device is not
 /// calibrated.

@@ -26,6 +26,9 @@ public:
     /// Nothing before the first spectrum. Valid until the next call.
     std::span<const double> mean();
 
+    AverageKind kind() const { return kind_; }
+    std::int32_t spectra() const { return static_cast<std::int32_t>(spectra_); }
+
     std::size_t count() const { return count_; } ///< spectra in it
 
     /// Spectra that are kept of the last ones: fewer than asked for when they would take more than 16 MB.

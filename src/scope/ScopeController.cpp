@@ -1,9 +1,14 @@
 #include "scope/ScopeController.h"
 
 #include "base/SampleRate.h"
+#include "scope/ScopeAxes.h"
+#include "scope/ScopeReport.h"
+#include "scope/ScopeSettings.h"
+#include "scope/ScopeTable.h"
 #include "scope/SteadyTrigger.h"
 #include "scope/TriggerSearch.h"
 #include "ui_ScopeWindow.h"
+#include "widgets/ExportMenu.h"
 #include "widgets/InputHints.h"
 #include "widgets/NumberText.h"
 #include "widgets/RealSlider.h"
@@ -85,6 +90,7 @@ ScopeController::ScopeController(SoundSystem& system, RunLoop& runLoop, Preferen
         [this](std::span<const std::int16_t> interleaved) { capture_.capture(interleaved); });
     source_->setHints([this](Hints& hints) { addHints(hints); });
     connect(source_.get(), &InputSource::calibrationChanged, this, &ScopeController::showReadings);
+    makeExportMenu(preferences);
 }
 
 ScopeController::~ScopeController() = default;
@@ -227,6 +233,45 @@ void ScopeController::addRulers() {
     ui_->plot->setRowStretch(0, 1);
 }
 
+void ScopeController::makeExportMenu(Preferences& preferences) {
+    const auto missing = [this] {
+        return capture_.blocks() == 0 ? QString("There is no block yet to export") : QString();
+    };
+    const auto table = [this] {
+        return scopeTable(origin(), wordedSettings(), ui_->mainView->trace(), capture_,
+                          source_->calibration());
+    };
+    auto* const menu = new ExportMenu(
+        *ui_->exportButton, preferences,
+        {missing, [this] { return picture(); }, [this] { return ui_->mainView->size(); }, table});
+    connect(menu, &ExportMenu::said, source_.get(), &InputSource::showNotice);
+}
+
+MeasurementOrigin ScopeController::origin() const {
+    return source_->origin(capture_.holds() ? held_.elapsed() : 0);
+}
+
+std::vector<Setting> ScopeController::wordedSettings() const {
+    std::vector<Setting> words = worded(controls_, source_->calibration());
+    words.push_back({"Input volume", ui_->soundInputVolume2Value->text().toStdString()});
+    return words;
+}
+
+ReportPicture ScopeController::picture() {
+    const ScopeView& view = *ui_->mainView;
+    const ReportContent content{.title = {},
+                                .origin = origin(),
+                                .settings = wordedSettings(),
+                                .readings = ui_->readings->readings(),
+                                .group = 2};
+    return scopeReport(content,
+                       {.trace = view.trace(),
+                        .offsets = controls_.offset,
+                        .offsetHeight = static_cast<double>(view.height()),
+                        .calibration = source_->calibration(),
+                        .cursors = view.areCursorsShown() ? std::optional(view.cursors()) : std::nullopt});
+}
+
 /// Called for each new block.
 void ScopeController::takeBlock() {
     if (ui_->singleButton->isChecked() && isTriggered()) {
@@ -304,16 +349,13 @@ void ScopeController::showRulers() {
     for (std::size_t i = 0; view.areCursorsShown() && i < kScopeCursorNames.size(); ++i)
         marks.push_back({cursor(i).milliseconds, kScopeCursorNames[i], kScopeCursorColours[i]});
     timeRuler_->setMarks(std::move(marks));
-    const std::string_view unit = unitName(linearUnit(source_->calibration().unit));
-    const auto fullScale = instantaneousValue(source_->calibration(), 1.0);
     for (const std::int32_t ch : {0, 1}) {
         const auto i = static_cast<std::size_t>(ch);
-        const ScopeLevels levels = visibleLevels(view.trace().scale(ch), view.height());
-        const double perFullScale = fullScale.value_or(100.0);
-        levelRulers_[i]->setUnit(
-            fullScale ? QString::fromLatin1(unit.data(), static_cast<qsizetype>(unit.size())) : "%");
-        levelRulers_[i]->setAxis({levels.axis.from * perFullScale, levels.axis.to * perFullScale});
-        levelRulers_[i]->setMargins(levels.below, levels.over);
+        const ScopeLevelAxis level =
+            scopeLevelAxis(view.trace().scale(ch), view.height(), source_->calibration());
+        levelRulers_[i]->setUnit(QString::fromStdString(level.unit));
+        levelRulers_[i]->setAxis(level.levels.axis);
+        levelRulers_[i]->setMargins(level.levels.below, level.levels.over);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "scope/ScopeControls.h"
 #include "scope/ScopeReadings.h"
 #include "widgets/InputSource.h"
+#include "widgets/ReportPicture.h"
 #include "widgets/ToolController.h"
 
 #include <QElapsedTimer>
@@ -55,6 +56,10 @@ private:
     QString steadyHint() const;
     QString searchHint(std::int32_t ch) const;
     void addRulers();
+    void makeExportMenu(Preferences& preferences);
+    MeasurementOrigin origin() const;
+    std::vector<Setting> wordedSettings() const;
+    ReportPicture picture();
     void takeBlock();
     bool isTriggered() const;
     void showCursors(bool areShown);

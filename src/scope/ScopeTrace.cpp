@@ -47,37 +47,76 @@ ScopeLevels visibleLevels(const ScopeScale& scale, double height) {
 ScopeTrace::ScopeTrace() {
     for (auto& line : lines_)
         line.reserve(kLongestTrace + 1);
+    for (auto& block : triggered_)
+        block.samples.reserve(kLongestTrace);
 }
 
 void ScopeTrace::build(const ScopeControls& controls, const ScopeCapture& capture, double width,
                        double height) {
-    if (controls.steady != 0) {
+    length_ = displayBuflength(controls.sweep);
+    if (controls.steady != 0)
         findSteady(controls, capture);
-        buildSteady(controls, width, height);
-        return;
-    }
+    else
+        findTriggers(controls, capture);
+    layOut(controls.offset, width, height);
+}
+
+void ScopeTrace::layOut(const std::array<double, 2>& offsets, double width, double height) {
+    if (steadyState_ == SteadyState::Off)
+        layOutTriggered(offsets, width, height);
+    else
+        layOutSteady(offsets, width, height);
+}
+
+ScopeShown ScopeTrace::shown(std::int32_t ch) const {
+    const auto i = static_cast<std::size_t>(ch == 0 ? 0 : 1);
+    if (steadyState_ != SteadyState::Off)
+        return {steady_.raw[i].samples, steady_.raw[i].number, steady_.crossing};
+    const TriggeredBlock& block = triggered_[i];
+    return {block.raw.samples, block.raw.number, static_cast<double>(block.start)};
+}
+
+void ScopeTrace::keep(RawBlock& raw, const ScopeCapture& capture, std::size_t i) {
+    const auto samples = capture.raw(static_cast<std::int32_t>(i));
+    raw.samples.assign(samples.begin(), samples.end());
+    raw.number = capture.blocks();
+}
+
+void ScopeTrace::findTriggers(const ScopeControls& controls, const ScopeCapture& capture) {
     steadyState_ = SteadyState::Off;
-    const std::int32_t length = displayBuflength(controls.sweep);
-    const double xStep = viewSize(width) / length;
-    const double yScale = pointsPerUnit(height);
-    timeAxis_ = {0.0, length * 1000.0 / kSampleRate};
     std::int32_t start = 0;
-    for (std::size_t i = 0; i < lines_.size(); ++i) {
+    for (std::size_t i = 0; i < triggered_.size(); ++i) {
         const TriggerSearch::Trace trace =
             triggers_.search(i, capture.display(static_cast<std::int32_t>(i)),
-                             {controls.trigger[i], controls.triggerPolarity[i]}, length, start);
+                             {controls.trigger[i], controls.triggerPolarity[i]}, length_, start);
         start = trace.triggerBase;
-        const ScopeScaling& scaling = capture.scaling(static_cast<std::int32_t>(i));
-        if (!trace.held)
-            triggered_[i] = scaling;
-        place(controls, i, triggered_[i].value_or(scaling), height);
-        const double baseLine = scales_[i].baseLine;
-        findings_[i] = {trace.held, std::clamp(kCaptureFramesPerBuffer - start, 0, length)};
-
+        TriggeredBlock& block = triggered_[i];
         const auto samples = trace.samples.subspan(static_cast<std::size_t>(trace.triggerBase),
-                                                   static_cast<std::size_t>(length));
+                                                   static_cast<std::size_t>(length_));
+        block.samples.assign(samples.begin(), samples.end());
+        block.start = trace.triggerBase;
+        if (!trace.held || !block.hasTriggered)
+            block.scaling = capture.scaling(static_cast<std::int32_t>(i));
+        if (!trace.held) {
+            block.hasTriggered = true;
+            keep(block.raw, capture, i);
+        }
+        findings_[i] = {trace.held, std::clamp(kCaptureFramesPerBuffer - start, 0, length_)};
+    }
+}
+
+void ScopeTrace::layOutTriggered(const std::array<double, 2>& offsets, double width, double height) {
+    const double xStep = viewSize(width) / length_;
+    const double yScale = pointsPerUnit(height);
+    timeAxis_ = {0.0, length_ * 1000.0 / kSampleRate};
+    for (std::size_t i = 0; i < lines_.size(); ++i) {
+        const std::vector<std::int16_t>& samples = triggered_[i].samples;
+        place(offsets[i], i, triggered_[i].scaling, height);
+        const double baseLine = scales_[i].baseLine;
         std::vector<PlotPoint>& line = lines_[i];
         line.clear();
+        if (samples.empty())
+            continue;
         line.push_back({0.0, samples[0] * yScale + baseLine});
         double column = 0.0;
         for (const std::int16_t sample : samples) {
@@ -87,11 +126,10 @@ void ScopeTrace::build(const ScopeControls& controls, const ScopeCapture& captur
     }
 }
 
-void ScopeTrace::place(const ScopeControls& controls, std::size_t i, const ScopeScaling& scaling,
-                       double height) {
+void ScopeTrace::place(double offset, std::size_t i, const ScopeScaling& scaling, double height) {
     const double swing = kFullScale * scaling.gain * pointsPerUnit(height);
-    scales_[i] = {visibleOffset(controls.offset[i]) + kBaseLines[i] * viewSize(height),
-                  scaling.invert ? swing : -swing, kLargestShown / kFullScale / scaling.gain};
+    scales_[i] = {visibleOffset(offset) + kBaseLines[i] * viewSize(height), scaling.invert ? swing : -swing,
+                  kLargestShown / kFullScale / scaling.gain};
 }
 
 /// Where there is signal on both sides for the whole trace, or else anywhere.
@@ -99,7 +137,7 @@ void ScopeTrace::findSteady(const ScopeControls& controls, const ScopeCapture& c
     const std::size_t i = controls.steady == 1 ? 0 : 1;
     const auto signal = capture.display(static_cast<std::int32_t>(i)).first<kScopeSignal>();
     const TriggerCondition condition{controls.trigger[i], controls.triggerPolarity[i]};
-    const double half = 0.5 * displayBuflength(controls.sweep);
+    const double half = 0.5 * length_;
     constexpr double kLast = kScopeSignal - 1.0;
     std::optional<double> crossing = findSteadyCrossing(signal, condition, half, kLast - half);
     steadyState_ = crossing ? SteadyState::Centred : SteadyState::Cut;
@@ -114,14 +152,15 @@ void ScopeTrace::findSteady(const ScopeControls& controls, const ScopeCapture& c
         const auto channel = static_cast<std::size_t>(ch);
         std::ranges::copy(capture.display(ch).first<kScopeSignal>(), steady_.samples[channel].begin());
         steady_.scaling[channel] = capture.scaling(ch);
+        keep(steady_.raw[channel], capture, channel);
     }
 }
 
 /// The lines go through the samples where these are denser than the view's points, and else through the
 /// band-limited signal at each of the points: straight lines from sample to sample would look different in
 /// each block.
-void ScopeTrace::buildSteady(const ScopeControls& controls, double width, double height) {
-    const double length = displayBuflength(controls.sweep);
+void ScopeTrace::layOutSteady(const std::array<double, 2>& offsets, double width, double height) {
+    const double length = length_;
     const double start = steady_.crossing - 0.5 * length;
     const double points = viewSize(width);
     const double step = length > points ? 1.0 : length / points; // in samples
@@ -129,7 +168,7 @@ void ScopeTrace::buildSteady(const ScopeControls& controls, double width, double
     const double half = 0.5 * length * 1000.0 / kSampleRate;
     timeAxis_ = {-half, half};
     for (std::size_t i = 0; i < lines_.size(); ++i) {
-        place(controls, i, steady_.scaling[i], height);
+        place(offsets[i], i, steady_.scaling[i], height);
         const std::span<const std::int16_t> samples = steady_.samples[i];
         std::vector<PlotPoint>& line = lines_[i];
         line.clear();

@@ -47,6 +47,13 @@ enum class SteadyState {
     Held     ///< no crossing was found: it is an earlier block, or none
 };
 
+/// The block that a channel's trace is drawn of.
+struct ScopeShown {
+    std::span<const std::int16_t> raw; ///< as it came from the device; nothing while nothing has triggered
+    std::int64_t block = 0;            ///< ScopeCapture::blocks() when it was new
+    double start = 0;                  ///< place in it of the time ruler's 0, in samples
+};
+
 /// The traces of both channels as lines across the view, the first around three quarters of its height, the
 /// second around one quarter. Kept from redraw to redraw: the triggers remember their last blocks, and the
 /// points are allocated once. Window thread.
@@ -60,6 +67,11 @@ public:
     /// channel's search starts where the first channel's trace does, so that it is never triggered before the
     /// first.
     void build(const ScopeControls& controls, const ScopeCapture& capture, double width, double height);
+
+    /// Computes the lines anew for a view of another size, of what the last search has found.
+    void layOut(const std::array<double, 2>& offsets, double width, double height);
+
+    ScopeShown shown(std::int32_t ch) const;
 
     /// A channel's line: its start, then a corner per sample (the first of them is the start once more).
     std::span<const PlotPoint> line(std::int32_t ch) const { return lines_[ch == 0 ? 0 : 1]; }
@@ -76,19 +88,39 @@ public:
     std::optional<double> levelAt(std::int32_t ch, double x) const;
 
 private:
+    /// A block as it came.
+    struct RawBlock {
+        std::vector<std::int16_t> samples;
+        std::int64_t number = 0;
+    };
+
     /// What a steady trigger shows, and goes on showing while it finds no crossing.
     struct SteadyBlock {
         std::array<std::array<std::int16_t, kScopeSignal>, 2> samples{};
         std::array<ScopeScaling, 2> scaling;
+        std::array<RawBlock, 2> raw;
         double crossing = kScopeSignal / 2.0;
     };
 
-    void place(const ScopeControls& controls, std::size_t i, const ScopeScaling& scaling, double height);
+    /// What a trigger shows of a channel.
+    struct TriggeredBlock {
+        std::vector<std::int16_t> samples; ///< that are drawn
+        std::int32_t start = 0;            ///< of them in the block
+        ScopeScaling scaling;              ///< of the last block that triggered, or of the first one
+        bool hasTriggered = false;
+        RawBlock raw;
+    };
+
+    static void keep(RawBlock& raw, const ScopeCapture& capture, std::size_t i);
+    void place(double offset, std::size_t i, const ScopeScaling& scaling, double height);
+    void findTriggers(const ScopeControls& controls, const ScopeCapture& capture);
     void findSteady(const ScopeControls& controls, const ScopeCapture& capture);
-    void buildSteady(const ScopeControls& controls, double width, double height);
+    void layOutTriggered(const std::array<double, 2>& offsets, double width, double height);
+    void layOutSteady(const std::array<double, 2>& offsets, double width, double height);
 
     TriggerSearch triggers_;
-    std::array<std::optional<ScopeScaling>, 2> triggered_; ///< of the last blocks that did
+    std::int32_t length_ = 10; ///< samples of a trace
+    std::array<TriggeredBlock, 2> triggered_;
     std::array<ScopeFindings, 2> findings_;
     std::array<std::vector<PlotPoint>, 2> lines_;
     std::array<ScopeScale, 2> scales_;

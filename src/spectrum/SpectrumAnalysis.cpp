@@ -3,6 +3,7 @@
 #include "base/SampleRate.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace sonotrace {
@@ -79,6 +80,12 @@ void SpectrumAnalysis::takeSum(std::span<const double> sum, std::span<const doub
     redisplay_();
 }
 
+SpectrumBins SpectrumAnalysis::bins() const {
+    const std::size_t points = blockSum_.size();
+    return {powerSpectrum().first(points == 0 ? 0 : points / 2 + 1), static_cast<double>(points),
+            spectrumWindowSum_};
+}
+
 void SpectrumAnalysis::startAfresh() {
     ringReadIndex_ = ringWriteIndex_;
     std::ranges::fill(fftWork_, 0.0);
@@ -90,6 +97,7 @@ void SpectrumAnalysis::startAfresh() {
 /// by the blocks before it, too, and so comes out lower. A new window changes neither.
 void SpectrumAnalysis::prepareWork() {
     const auto points = static_cast<std::size_t>(fftSize_);
+    const bool isNew = points != lastSize_ || windowType_ != lastWindowType_;
     if (points != lastSize_) {
         windowCoeffs_.resize(points);
         fftWork_.assign(2 * points, 0.0);
@@ -101,6 +109,8 @@ void SpectrumAnalysis::prepareWork() {
         BuildNewWindowCoeffs(windowType_, static_cast<std::int64_t>(points), windowCoeffs_.data());
         lastWindowType_ = windowType_;
     }
+    if (isNew)
+        windowSum_ = std::accumulate(windowCoeffs_.begin(), windowCoeffs_.end(), 0.0);
 }
 
 void SpectrumAnalysis::accumulateBlock() {
@@ -124,6 +134,8 @@ void SpectrumAnalysis::makeSpectrum() {
     for (std::size_t i = 0; i < points; ++i)
         fftWork_[2 * i] = fftWork_[2 * i] / avgCount_ * windowCoeffs_[i];
     avgCount_ = 0;
+    spectrumWindowSum_ = windowSum_;
+    spectrumWindow_ = windowType_;
     fft_.transform(fftWork_);
     maxPower_ = 0.0;
     minPower_ = 1e8;

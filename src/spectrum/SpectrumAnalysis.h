@@ -3,6 +3,7 @@
 #include "base/ChannelFold.h"
 #include "base/FftWindows.h"
 #include "base/ZeroedArray.h"
+#include "spectrum/SpectrumBins.h"
 #include "spectrum/SpectrumFft.h"
 
 #include <array>
@@ -71,6 +72,11 @@ public:
     std::span<const double> windowCoeffs() const { return windowCoeffs_; }
     std::int32_t summedBlocks() const { return summedBlocks_; }
 
+    /// What the last spectrum is, whatever is chosen for the next one; no bins before the first.
+    SpectrumBins bins() const;
+    FftWindowType spectrumWindow() const { return spectrumWindow_; }
+    ChannelFold fold() const { return fold_; }
+
     double maxPower() const { return maxPower_; } ///< largest value of the last spectrum
     double minPower() const { return minPower_; } ///< smallest value of the last spectrum, at most 1e8
 
@@ -97,8 +103,11 @@ private:
     std::int32_t avgCount_ = 0; ///< blocks counted for the next spectrum
     std::int32_t inWork_ = 0;   ///< blocks in the work area: fewer after a change of size
     std::vector<double> windowCoeffs_;
+    double windowSum_ = 0;
     std::vector<double> blockSum_;
     std::int32_t summedBlocks_ = 1;
+    double spectrumWindowSum_ = 0; ///< of the last spectrum, as the next
+    FftWindowType spectrumWindow_ = 0;
     std::vector<double> fftWork_; ///< re, im, ...: sum of the blocks, then their spectrum
     SpectrumFft fft_;
 

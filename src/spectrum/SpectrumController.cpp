@@ -5,7 +5,11 @@
 #include "base/SampleRate.h"
 #include "base/SystemLog.h"
 #include "spectrum/SpectrumAxes.h"
+#include "spectrum/SpectrumReport.h"
+#include "spectrum/SpectrumSettings.h"
+#include "spectrum/SpectrumTable.h"
 #include "ui_SpectrumWindow.h"
+#include "widgets/ExportMenu.h"
 #include "widgets/InputHints.h"
 #include "widgets/LevelText.h"
 #include "widgets/TypedValue.h"
@@ -38,7 +42,8 @@ int loggedBits(double value) {
 SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Preferences& preferences)
     : ToolController(preferences, "SPECTRUM_WINDOW_FRAME"),
       ui_(std::make_unique<Ui::SpectrumWindow>()),
-      analysis_([this] { takeSpectrum(); }) {
+      analysis_([this] { takeSpectrum(); }),
+      preferences_(preferences) {
     ui_->setupUi(&window_);
     levelRows(*ui_->inputPopup, {ui_->inputStrip, ui_->analysisStrip, ui_->displayStrip, ui_->measureStrip,
                                  ui_->readingsStrip});
@@ -63,6 +68,7 @@ SpectrumController::SpectrumController(SoundSystem& system, RunLoop& runLoop, Pr
                                                      *ui_->pointerReadings, *ui_->readings);
     makeRulers();
     makeOverlayMenu();
+    makeExportMenu();
 }
 
 SpectrumController::~SpectrumController() = default;
@@ -239,6 +245,54 @@ void SpectrumController::makeOverlayMenu() {
             [this] { source_->showNotice("There is no spectrum yet to store"); });
 }
 
+void SpectrumController::makeExportMenu() {
+    const auto missing = [this] {
+        return analysis_.bins().isEmpty() ? QString("There is no spectrum yet to export") : QString();
+    };
+    auto* const menu = new ExportMenu(*ui_->exportButton, preferences_,
+                                      {missing, [this] { return picture(); },
+                                       [this] { return ui_->mainView->size(); }, [this] { return table(); }});
+    connect(menu, &ExportMenu::said, source_.get(), &InputSource::showNotice);
+}
+
+MeasurementOrigin SpectrumController::origin() const {
+    return source_->origin(hold_.isValid() ? hold_.elapsed() : 0);
+}
+
+std::vector<Setting> SpectrumController::wordedSettings() const {
+    const SpectrumQuestion& question = measuring_->question();
+    std::vector<Setting> words =
+        worded(SpectrumSettings{.fftSize = analysis_.bins().fftSize,
+                                .window = analysis_.spectrumWindow(),
+                                .fold = analysis_.fold(),
+                                .blocks = analysis_.summedBlocks(),
+                                .averageKind = overlays_.average().kind(),
+                                .averagedSpectra = overlays_.average().spectra(),
+                                .display = display_,
+                                .fundamentalHz = question.fundamentalHz,
+                                .mainsHz = question.mainsHz,
+                                .calibration = source_->calibration(),
+                                .correctionPoints = source_->correction().points().size()});
+    words.push_back({"Input volume", ui_->soundInputVolume2Value->text().toStdString()});
+    return words;
+}
+
+ReportPicture SpectrumController::picture() {
+    measuring_->readNow();
+    const ReportContent content{.title = {},
+                                .origin = origin(),
+                                .settings = wordedSettings(),
+                                .readings = measuring_->shownReadings()};
+    return spectrumReport(
+        content,
+        {{analysis_.powerSpectrum(), analysis_.fftSize()}, display_, &overlays_, ui_->mainView->marks()});
+}
+
+std::string SpectrumController::table() {
+    const Axis shown = frequencyAxis(display_);
+    return spectrumTable(origin(), wordedSettings(), shownTraces(analysis_, overlays_), shown.from, shown.to);
+}
+
 void SpectrumController::connectMeasuring() {
     connect(ui_->channelPopup, &QComboBox::activated, this, &SpectrumController::doChannel);
     connect(ui_->averagePopup, &QComboBox::activated, this, &SpectrumController::doAverage);
@@ -269,7 +323,7 @@ void SpectrumController::takeQuestion() {
 }
 
 void SpectrumController::takeSpectrum() {
-    overlays_.add(analysis_.powerSpectrum(), analysis_.fftSize());
+    overlays_.add(analysis_.bins());
     measuring_->takeNewSpectrum();
     hasNew_ = true;
 }

@@ -6,6 +6,7 @@
 #include "spectrum/SpectrumMeasuring.h"
 #include "spectrum/SpectrumOverlays.h"
 #include "widgets/InputSource.h"
+#include "widgets/ReportPicture.h"
 #include "widgets/Ruler.h"
 #include "widgets/ToolController.h"
 
@@ -58,6 +59,11 @@ private:
     void updateBargraph();
     void makeRulers();
     void makeOverlayMenu();
+    void makeExportMenu();
+    MeasurementOrigin origin() const;
+    std::vector<Setting> wordedSettings() const;
+    ReportPicture picture();
+    std::string table();
     void connectMeasuring();
     void takeChannel();
     void takeQuestion();
@@ -77,6 +83,7 @@ private:
     SpectrumOverlays overlays_;
     OverlayMenu overlayMenu_{overlays_};
     std::unique_ptr<SpectrumMeasuring> measuring_;
+    Preferences& preferences_;
     Ruler frequencyRuler_{Ruler::Side::Bottom, "Frequency", "Hz"};
     Ruler levelRuler_{Ruler::Side::Right, "Plotted level", "dB"};
     std::unique_ptr<InputSource> source_;

@@ -87,6 +87,19 @@ void SpectrumMeasuring::update() {
         showPointer();
 }
 
+void SpectrumMeasuring::readNow() {
+    lastReading_.invalidate();
+    update();
+}
+
+std::vector<Reading> SpectrumMeasuring::shownReadings() const {
+    std::vector<Reading> shown = panel_.readings();
+    const std::vector<Reading>& pointed = pointerPanel_.readings();
+    if (!markers_.empty() && pointed.size() > 1)
+        shown.insert(shown.begin(), pointed.begin() + 1, pointed.end()); // the pointer is not a mark
+    return shown;
+}
+
 bool SpectrumMeasuring::isAveraged() const {
     return analysis_.summedBlocks() > 1 && analysis_.maxPower() > 0.0; // else it is silent
 }

@@ -36,6 +36,14 @@ public:
     void takeNewSpectrum() { isNew_ = true; }
     void update();
 
+    /// Reads the spectrum that is there, if it has not been read yet and is seen.
+    void readNow();
+
+    const SpectrumQuestion& question() const { return question_; }
+
+    /// The numbers that are shown, with those at the marks in front if there are any.
+    std::vector<Reading> shownReadings() const;
+
     const SpectrumReadings& readings() const { return readings_; }
 
 private:

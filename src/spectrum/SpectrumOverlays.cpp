@@ -25,9 +25,10 @@ void SpectrumOverlays::setAverage(AverageKind kind, std::int32_t spectra) {
     ask(SpectrumOverlay::Average, kind != AverageKind::Off);
 }
 
-void SpectrumOverlays::add(std::span<const double> power, double fftSize) {
-    fftSize_ = fftSize;
-    const auto bins = power.first(static_cast<std::size_t>(fftSize / 2.0) + 1);
+void SpectrumOverlays::add(const SpectrumBins& spectrum) {
+    fftSize_ = spectrum.fftSize;
+    windowSum_ = spectrum.windowSum;
+    const auto bins = spectrum.power;
     last_.assign(bins.begin(), bins.end());
     average_.add(bins);
     if (isAsked(SpectrumOverlay::PeakHold))
@@ -42,35 +43,38 @@ bool SpectrumOverlays::clear() {
     return hadAny;
 }
 
-SpectrumOverlays::Trace SpectrumOverlays::current() {
+SpectrumBins SpectrumOverlays::current() {
     const auto mean = average_.mean();
-    return {mean.empty() ? std::span<const double>(last_) : mean, fftSize_};
+    return {mean.empty() ? std::span<const double>(last_) : mean, fftSize_, windowSum_};
 }
 
 bool SpectrumOverlays::storeReference() {
-    const Trace trace = current();
+    const SpectrumBins trace = current();
     reference_.assign(trace.power.begin(), trace.power.end());
     referenceFftSize_ = trace.fftSize;
+    referenceWindowSum_ = trace.windowSum;
     return hasReference();
 }
 
-SpectrumOverlays::Trace SpectrumOverlays::traceOf(SpectrumOverlay overlay) {
+SpectrumBins SpectrumOverlays::bins(SpectrumOverlay overlay) {
+    if (!isAsked(overlay))
+        return {};
     switch (overlay) {
     case SpectrumOverlay::Average:
-        return {average_.mean(), fftSize_};
+        return {average_.mean(), fftSize_, windowSum_};
     case SpectrumOverlay::PeakHold:
-        return {hold_.highest(), fftSize_};
+        return {hold_.highest(), fftSize_, windowSum_};
     case SpectrumOverlay::Reference:
-        return {reference_, referenceFftSize_};
+        return reference();
     case SpectrumOverlay::Difference:
-        return hasReference() ? current() : Trace{};
+        return hasReference() ? current() : SpectrumBins{};
     case SpectrumOverlay::Corrected:
         break;
     }
-    return responseDb_ ? current() : Trace{};
+    return responseDb_ ? current() : SpectrumBins{};
 }
 
-void SpectrumOverlays::columnLevels(const Trace& trace, const PlotRect& bounds,
+void SpectrumOverlays::columnLevels(const SpectrumBins& trace, const PlotRect& bounds,
                                     const SpectrumDisplay& display, std::vector<double>& levels) {
     const SpectrumGeometry geometry = spectrumGeometry(bounds, display, trace.fftSize);
     columnPowers(geometry, display, trace.power, trace.fftSize, levels);
@@ -81,16 +85,14 @@ void SpectrumOverlays::columnLevels(const Trace& trace, const PlotRect& bounds,
 void SpectrumOverlays::build(SpectrumOverlay overlay, const PlotRect& bounds, const SpectrumDisplay& display,
                              std::vector<PlotPoint>& line) {
     line.clear();
-    if (!isAsked(overlay))
-        return;
-    const Trace trace = traceOf(overlay);
-    if (trace.power.empty())
+    const SpectrumBins trace = bins(overlay);
+    if (trace.isEmpty())
         return;
     const SpectrumGeometry geometry = spectrumGeometry(bounds, display, trace.fftSize);
     columnLevels(trace, bounds, display, levels_);
     const bool isDifference = overlay == SpectrumOverlay::Difference;
     if (isDifference)
-        columnLevels({reference_, referenceFftSize_}, bounds, display, referenceLevels_);
+        columnLevels(reference(), bounds, display, referenceLevels_);
     for (std::size_t column = 0; column < levels_.size(); ++column) {
         const double x = geometry.left + static_cast<double>(column);
         const double frequency = frequencyAt(geometry, display, x);

@@ -2,6 +2,7 @@
 
 #include "base/PlotShapes.h"
 #include "measure/PowerAverage.h"
+#include "spectrum/SpectrumBins.h"
 #include "spectrum/SpectrumGeometry.h"
 
 #include <array>
@@ -29,8 +30,8 @@ public:
     /// Response in dB of the microphone at a frequency in Hz, which "corrected" takes off. Empty: none.
     void setResponse(std::function<double(double)> responseDb) { responseDb_ = std::move(responseDb); }
 
-    /// Takes a spectrum of `fftSize` points, at least as many bins as half of them and one more.
-    void add(std::span<const double> power, double fftSize);
+    /// Takes a spectrum.
+    void add(const SpectrumBins& spectrum);
 
     /// Drops average and peak hold: what comes next is of another kind. Whether there was anything.
     bool clear();
@@ -41,6 +42,13 @@ public:
     bool hasReference() const { return !reference_.empty(); }
 
     PowerAverage& average() { return average_; }
+    const PowerAverage& average() const { return average_; }
+
+    /// What a trace is made of, empty when it is not asked for or there is nothing to show. Difference and
+    /// correction are made of the average, or without one of the last spectrum. Valid until the next call.
+    SpectrumBins bins(SpectrumOverlay overlay);
+    SpectrumBins reference() const { return {reference_, referenceFftSize_, referenceWindowSum_}; }
+    const std::function<double(double)>& response() const { return responseDb_; }
 
     /// The line of a trace in a view of these bounds, a corner per column up to 22050 Hz; empty when there is
     /// nothing to show. The difference lies around the line of -50 dB.
@@ -48,16 +56,10 @@ public:
                std::vector<PlotPoint>& line);
 
 private:
-    struct Trace {
-        std::span<const double> power;
-        double fftSize = 0;
-    };
-
     static std::size_t index(SpectrumOverlay overlay) { return static_cast<std::size_t>(overlay); }
-    Trace current();
-    Trace traceOf(SpectrumOverlay overlay);
+    SpectrumBins current();
     /// Natural logarithms of the columns' power, as the plot scales it.
-    void columnLevels(const Trace& trace, const PlotRect& bounds, const SpectrumDisplay& display,
+    void columnLevels(const SpectrumBins& trace, const PlotRect& bounds, const SpectrumDisplay& display,
                       std::vector<double>& levels);
 
     std::array<bool, kSpectrumOverlays> asked_{};
@@ -66,8 +68,10 @@ private:
     std::function<double(double)> responseDb_;
     std::vector<double> last_;
     double fftSize_ = 0; ///< of all but the reference
+    double windowSum_ = 0;
     std::vector<double> reference_;
     double referenceFftSize_ = 0;
+    double referenceWindowSum_ = 0;
     std::vector<double> levels_; ///< work
     std::vector<double> referenceLevels_;
 };

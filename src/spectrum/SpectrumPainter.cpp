@@ -69,11 +69,14 @@ QPolygonF polygonOf(std::span<const PlotPoint> points) {
     return line;
 }
 
-QFont labelFont(const QFont& system) {
+QFont labelFont(const QFont& system, const QPainter& painter) {
+    constexpr double kScreenDots = 96.0;
     QFont font = system;
     font.setBold(true);
     font.setPixelSize(static_cast<int>(SpectrumGrid::kLabelSize));
-    font.setLetterSpacing(QFont::AbsoluteSpacing, SpectrumGrid::kLabelKerning);
+    // Where an inch has more dots it is taken for so many more of them.
+    const double kerning = isOnPaper(painter) ? kScreenDots / painter.device()->logicalDpiX() : 1.0;
+    font.setLetterSpacing(QFont::AbsoluteSpacing, SpectrumGrid::kLabelKerning * kerning);
     return font;
 }
 
@@ -118,7 +121,7 @@ void SpectrumPainter::paint(QPainter& painter, const QFont& font, const Spectrum
     painter.fillRect(QRect(QPoint(0, 0), size_), Qt::black);
     paintTrace(painter);
     paintOverlays(painter);
-    painter.setFont(labelFont(font));
+    painter.setFont(labelFont(font, painter));
     paintGrid(painter, spectrumGrid(geometry_, display_));
     painter.setFont(font);
     paintLegend(painter);

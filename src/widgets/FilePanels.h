@@ -27,6 +27,10 @@ inline constexpr FileKind kRecordings{"FILES_recordingFolder", QStandardPaths::M
 inline constexpr FileKind kCorrections{"FILES_correctionFolder", QStandardPaths::DocumentsLocation, "", ""};
 inline constexpr FileKind kPictures{"FILES_pictureFolder", QStandardPaths::PicturesLocation,
                                     "PNG pictures (*.png)", "png"};
+inline constexpr FileKind kReportPages{"FILES_pictureFolder", QStandardPaths::PicturesLocation,
+                                       "PNG pictures (*.png);;PDF pages (*.pdf)", "png"};
+inline constexpr FileKind kTables{"FILES_tableFolder", QStandardPaths::DocumentsLocation,
+                                  "Comma-separated values (*.csv)", "csv"};
 
 /// Asks the user for files. Nothing when the user cancels. `message` is the panel's title. A file to save is
 /// offered a name that tells when it was made.

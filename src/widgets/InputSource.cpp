@@ -5,6 +5,9 @@
 #include "widgets/PopUp.h"
 #include "widgets/RealSlider.h"
 
+#include <QCoreApplication>
+#include <QDateTime>
+
 #include <utility>
 
 namespace sonotrace {
@@ -146,6 +149,18 @@ Hints InputSource::hints(const QueueState& state) {
     append(calibrationHints());
     toolHints_(all);
     return all;
+}
+
+MeasurementOrigin InputSource::origin(qint64 millisecondsAgo) const {
+    const std::string device = stream_.state().deviceName;
+    const QString source =
+        device.empty() ? controls_.inputPopup->currentText() : QString::fromStdString(device);
+    const QDateTime then = QDateTime::currentDateTime().addMSecs(-millisecondsAgo);
+    const QDateTime time = then.toOffsetFromUtc(then.offsetFromUtc());
+    const QString program =
+        QCoreApplication::applicationName() + ' ' + QCoreApplication::applicationVersion();
+    return {program.simplified().toStdString(), time.toString(Qt::ISODate).toStdString(),
+            source.toStdString()};
 }
 
 void InputSource::setCalibrations(Calibrations& calibrations) {

@@ -4,6 +4,7 @@
 #include "audio/CaptureStream.h"
 #include "audio/InputGain.h"
 #include "audio/InputWatch.h"
+#include "base/MeasurementOrigin.h"
 #include "widgets/Calibrations.h"
 #include "widgets/DeviceInUse.h"
 #include "widgets/StatusRow.h"
@@ -62,6 +63,9 @@ public:
     /// Says something in the place of what is listened to, for a few seconds or until another device is
     /// chosen.
     void showNotice(const QString& text);
+
+    /// Where what the tool shows comes from: the device that is listened to, so many milliseconds ago.
+    MeasurementOrigin origin(qint64 millisecondsAgo) const;
 
     const AudioDeviceTable& devices() const { return devices_; }
 

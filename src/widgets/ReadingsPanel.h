@@ -29,6 +29,8 @@ public:
     /// first.
     void setGroup(int readings) { group_ = readings; }
 
+    const std::vector<Reading>& readings() const { return readings_; }
+
     /// All of them, a line each: name, tabulator, value.
     QString text() const;
 

@@ -35,7 +35,7 @@ struct ReportContent {
     MeasurementOrigin origin;
     std::vector<Setting> settings;
     std::vector<Reading> readings;
-    int readingsGroup = 1; ///< so many of them belong side by side
+    int group = 1; ///< so many of either belong side by side
 };
 
 /// A page of a report: an instrument's face with its rulers, and what has to be known about it. The page is
@@ -66,7 +66,11 @@ private:
 
     const ReportContent content_;
     std::vector<Reading> settings_; ///< of the content, as texts
+    std::vector<Reading> readings_;
     const std::unique_ptr<ReportPlot> plot_;
 };
+
+/// The bytes of a picture, none of an empty one.
+QByteArray pngOf(const QImage& image);
 
 } // namespace sonotrace

@@ -15,7 +15,8 @@ struct Bench {
     SpectrumOverlays overlays;
 
     void add(std::size_t size, double power) {
-        overlays.add(std::vector<double>(size, power), static_cast<double>(size));
+        const std::vector<double> bins(size / 2 + 1, power);
+        overlays.add({bins, static_cast<double>(size), static_cast<double>(size)});
     }
 
     /// Height of a trace in its middle; -1 where there is none.
