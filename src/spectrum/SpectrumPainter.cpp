@@ -14,8 +14,9 @@ namespace {
 
 /// A line parallel to the axes, crisp: the pixels of drawLine() without antialiasing, at a quarter of its
 /// time.
-void paintLine(QPainter& painter, const QPointF& from, const QPointF& to, Qt::GlobalColor colour) {
-    const double reach = 0.5 * SpectrumGrid::kLineWidth * lineThickness(painter); // also at the ends
+void paintLine(QPainter& painter, const QPointF& from, const QPointF& to, double thickness,
+               Qt::GlobalColor colour) {
+    const double reach = 0.5 * thickness; // to the sides and, as far, at the ends
     painter.fillRect(QRectF(from, to).normalized().adjusted(-reach, -reach, reach, reach), colour);
 }
 
@@ -194,14 +195,15 @@ void SpectrumPainter::paintMarks(QPainter& painter, const SpectrumMarks& marks) 
 void SpectrumPainter::paintGrid(QPainter& painter, const SpectrumGrid& grid) {
     const auto grey = static_cast<float>(std::clamp(display_.gridBrightness, 0.0F, 1.0F));
     painter.setPen(QColor::fromRgbF(grey, grey, grey));
+    const double thickness = SpectrumGrid::kLineWidth * lineThickness(painter);
     for (const FrequencyLine& line : grid.frequencyLines) {
         paintLine(painter, {line.x, size_.height() - line.top}, {line.x, size_.height() - line.bottom},
-                  Qt::white);
+                  thickness, Qt::white);
         paintLabel(painter, line.label);
     }
     for (const DecibelLine& line : grid.decibelLines) {
         paintLine(painter, {line.left, size_.height() - line.y}, {line.right, size_.height() - line.y},
-                  Qt::red);
+                  thickness, Qt::red);
         paintLabel(painter, line.label);
     }
 }
