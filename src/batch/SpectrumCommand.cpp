@@ -2,7 +2,9 @@
 #include "batch/CommandError.h"
 #include "batch/CommandLine.h"
 #include "batch/Commands.h"
+#include "batch/Exports.h"
 #include "batch/InputOptions.h"
+#include "batch/SpectrumExport.h"
 #include "batch/SpectrumMeasurement.h"
 #include "batch/StandardStreams.h"
 #include "spectrum/SpectrumAnalysis.h"
@@ -28,17 +30,20 @@ void addArguments(CommandLine& line) {
     line.addOption({"fundamental"}, "HZ",
                    "Where the fundamental is. Without it, the strongest tone is taken.");
     line.addOption({"mains"}, "HZ", "Measure hum of the mains at 50 or 60 Hz and its multiples.");
+    Exports::addOptions(line);
+    line.addFlag({"log"}, "Picture with a logarithmic scale of frequencies, from 1 to 19953 Hz.");
     line.addFlag({"json"}, "Print JSON, with all digits.");
 }
 
-FileSpectraSettings settingsOf(const CommandLine& line) {
+FileSpectraSettings settingsOf(const CommandLine& line, bool collectsPowers) {
     const int size = line.integer("fft-size", kSpectrumFftSizes.front(), kSpectrumFftSizes.back());
     if (std::ranges::find(kSpectrumFftSizes, size) == kSpectrumFftSizes.end())
         throw CommandError("--fft-size takes a power of two, not " + std::to_string(size), kWrongArguments);
     return {.fftSize = size,
             .windowType = static_cast<FftWindowType>(line.choice("window", kFftWindowTitles)),
             .blocks = line.integer("average", 1, kMostBlocks),
-            .fold = static_cast<ChannelFold>(line.choice("channel", kChannelWords))};
+            .fold = static_cast<ChannelFold>(line.choice("channel", kChannelWords)),
+            .collectsPowers = collectsPowers};
 }
 
 SpectrumQuestion questionOf(const CommandLine& line) {
@@ -62,11 +67,17 @@ int runSpectrum(int argc, char** argv) {
     addArguments(line);
     if (!line.parse(argc, argv))
         return 0;
-    const FileSpectraSettings settings = settingsOf(line);
+    Exports exports(line);
+    const FileSpectraSettings settings = settingsOf(line, exports.hasTable() || exports.hasPicture());
     const SpectrumQuestion question = questionOf(line);
     AudioFile file = openInput(line);
     const SpectrumMeasurement measurement(file, settings, question);
-    printOut(line.isSet("json") ? jsonTextOf(measurement) : textOf(measurement));
+    if (settings.collectsPowers) {
+        SpectrumExport spectrum(measurement, line.isSet("log"));
+        exports.write([&] { return spectrum.table(); }, [&] { return spectrum.page(); });
+    }
+    if (!exports.takeStandardOutput())
+        printOut(line.isSet("json") ? jsonTextOf(measurement) : textOf(measurement));
     return 0;
 }
 
