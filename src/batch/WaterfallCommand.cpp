@@ -24,7 +24,6 @@ namespace sonotrace {
 
 namespace {
 
-constexpr double kLongest = 1e9;                                                             // s
 constexpr std::array<const char*, 4> kChannelWords = {"sum", "left", "right", "difference"}; // as ChannelFold
 
 void addArguments(CommandLine& line) {
@@ -87,10 +86,11 @@ RecordedWaterfallSettings settingsOf(const CommandLine& line) {
 
 void paint(RecordedWaterfall& waterfall, const RecordedWaterfallSettings& settings, AudioFile& file) {
     const PaintedSound painted = paintFile(waterfall, settings, file);
+    const auto line = static_cast<std::uint64_t>(waterfall.parameters().frameLength());
     if (!waterfall.finish())
-        throw CommandError(file.name() + " holds " + std::to_string(painted.frames) +
-                           " samples: a line needs " + std::to_string(waterfall.parameters().frameLength()) +
-                           " (FFT size)");
+        throw CommandError(file.name() + " holds " + std::to_string(painted.frames) + " samples: " +
+                           (painted.frames < line ? "a line needs " + std::to_string(line) + " (FFT size)"
+                                                  : "that is less than a column (--seconds-per-column)"));
     if (painted.wrapped > 0)
         warn(std::string("the ") + kChannelWords[static_cast<std::size_t>(settings.channel)] +
              " of the channels is beyond 16 bits in " + std::to_string(painted.wrapped) +

@@ -72,7 +72,7 @@ std::size_t RecordedWaterfall::framesPerPart() const {
     constexpr std::size_t kMost = 1048576;
     if (parameters_.waterfallSpeedup.load(kRelaxed) != 1 || settings_.secondsPerColumn)
         return 0;
-    const auto length = static_cast<std::size_t>(parameters_.frameLength());
+    const std::size_t length = std::size_t{1} << settings_.log2Length;
     const std::size_t lines =
         std::max<std::size_t>(1, static_cast<std::size_t>(std::llround(parameters_.slowSamples())) / length);
     const std::size_t column = lines * length;
