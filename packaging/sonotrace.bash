@@ -7,12 +7,21 @@ _sonotrace() {
     [a-z]*) [ "$COMP_CWORD" -lt 2 ] || subcommand=${COMP_WORDS[1]} ;;
     esac
     COMPREPLY=()
+    case $subcommand$before in
+    measure--output | measure--input)
+        # A line for each: direction, channels, UID, name.
+        words=$("$program" devices 2>/dev/null | sed -n "s/^${before:2:2}[a-z]*\**\t[0-9]*\t\([^\t]*\)\t.*/\1/p")
+        ;;
+    measuremeasure) words='response thd noise' ;;
+    esac
     case $before in
     --audio) words='pulse loopback' ;;
     --fft-size) words='64 128 256 512 1024 2048 4096 8192 16384 32768 65536 131072' ;;
     --window) words='rectangular hann hamming tukey cosine lanczos blackman nuttall blackman-nuttall flat-top' ;;
     --channel) words='left right sum difference' ;;
     --mains) words='50 60' ;;
+    --size) words='1280x720 1920x1080 3840x2160' ;;
+    --merge) words='maximum power-mean' ;;
     esac
     if [ -n "$words" ]; then
         mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")

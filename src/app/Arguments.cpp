@@ -42,7 +42,7 @@ std::optional<Arguments> readArguments(int argc, char** argv, int& status) {
     parser.setApplicationDescription(
         "Audio test bench: signal generators, spectrum, waterfall, oscilloscope.\n\n"
         "Subcommands, which need no display and have each a --help of its own:\n" +
-        QString::fromStdString(listSubcommands()));
+        QString::fromStdString(listSubcommands()).trimmed().prepend("  "));
     parser.addOption({{"h", "help"}, "Say what the options are, and quit."});
     parser.addOption({{"v", "version"}, "Say which version this is, and quit."});
     parser.addOption({"audio", "Sound system to use: pulse or loopback.", "system"});

@@ -16,10 +16,8 @@ struct MeasurementOrigin {
 
 /// The same as the first lines of a table: `what` was measured, by which program, when, of what.
 inline std::vector<Setting> originLines(const std::string& what, const MeasurementOrigin& origin) {
-    return {{"Measurement", what},
-            {"Program", origin.program},
-            {"Time", origin.time},
-            {"Source", origin.source}};
+    return {
+        {"Measurement", what}, {"Program", origin.program}, {"Time", origin.time}, {"Source", origin.source}};
 }
 
 } // namespace sonotrace

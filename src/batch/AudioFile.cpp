@@ -25,6 +25,8 @@ constexpr double kFullScale = 32768.0;
 constexpr double kLoudest =
     1e30; ///< of samples: what is beyond it is no sound, and its powers are no numbers
 constexpr std::uint64_t kUnknownBytes = 0x7FFF0000; ///< and more: the size that writers into pipes give
+constexpr int kLowestRate = 1000;                   // Hz
+constexpr int kHighestRate = 1000000;
 constexpr std::size_t kWorkFrames = 8192;
 
 std::string secondsText(double frames, double rate) {
@@ -64,7 +66,9 @@ std::uint64_t statedBytes(int descriptor) {
 } // namespace
 
 AudioFile::AudioFile(std::string path, const AudioFileOptions& options)
-    : isStandardInput_(path == "-"), name_(isStandardInput_ ? "standard input" : std::move(path)) {
+    : isStandardInput_(path == "-"),
+      name_(isStandardInput_ ? "standard input" : std::move(path)),
+      startSeconds_(options.startSeconds) {
     openFile();
     checkFormat(options.resamples);
     warnIfCutOff();
@@ -113,6 +117,8 @@ void AudioFile::checkFormat(bool resamples) const {
     if (channels_ < 1 || channels_ > 2)
         throw CommandError(name_ + " has " + std::to_string(channels_) +
                            " channels: one or two can be read. Two of them: sox IN OUT.wav remix 1 2");
+    if (rate_ < kLowestRate || rate_ > kHighestRate)
+        throw CommandError(name_ + " has " + std::to_string(rate_) + " Hz, which is no rate of sound");
     if (rate_ != kSampleRate && !resamples)
         throw CommandError(name_ + " has " + std::to_string(rate_) +
                            " Hz instead of 44100: --resample converts it, as does sox IN -r 44100 OUT.wav");

@@ -48,6 +48,8 @@ public:
         return format_;
     } ///< for people: "Signed 16 bit PCM, WAV (Microsoft)"
 
+    double startSeconds() const { return startSeconds_; } ///< from the file's beginning
+
     /// Frames that will be read in all, at the program's rate; nothing where that is not known.
     std::optional<std::uint64_t> frames() const { return frames_; }
 
@@ -67,6 +69,7 @@ private:
 
     const bool isStandardInput_;
     const std::string name_;
+    const double startSeconds_;
     int descriptor_ = -1;
     std::unique_ptr<sf_private_tag, Close> file_;
     int rate_ = 0;

@@ -28,6 +28,36 @@ QString shortText(double number) {
     return textFromNumber(number);
 }
 
+constexpr char16_t kRawByte = 0xDC00; // lone halves of surrogate pairs, which no text has
+
+/// Names of files are bytes. Those that are no text become characters of which each is a byte.
+QString wordOf(const char* bytes) {
+    QString word = QString::fromUtf8(bytes);
+    if (word.toUtf8() == bytes)
+        return word;
+    word.clear();
+    for (; *bytes != '\0'; ++bytes) {
+        const auto byte = static_cast<unsigned char>(*bytes);
+        word += QChar(byte < 0x80 ? char16_t{byte} : static_cast<char16_t>(kRawByte + byte));
+    }
+    return word;
+}
+
+std::string bytesOf(const QString& word) {
+    const auto isRaw = [](QChar c) {
+        return c.unicode() >= kRawByte + 0x80 && c.unicode() <= kRawByte + 0xFF;
+    };
+    std::string bytes;
+    for (qsizetype i = 0; i < word.size(); ++i) {
+        if (isRaw(word[i]) && (i == 0 || !word[i - 1].isHighSurrogate()))
+            bytes += static_cast<char>(word[i].unicode() - kRawByte);
+        else
+            bytes +=
+                word[i].isHighSurrogate() ? word.mid(i++, 2).toStdString() : word.mid(i, 1).toStdString();
+    }
+    return bytes;
+}
+
 } // namespace
 
 CommandLine::CommandLine(const QString& description) {
@@ -59,7 +89,7 @@ bool CommandLine::parse(int argc, char** argv) {
         name += std::string(" ") + argv[1];
     QStringList words{QString::fromStdString(name)};
     for (int i = 2; i < argc; ++i)
-        words.append(QString::fromLocal8Bit(argv[i]));
+        words.append(wordOf(argv[i]));
     char* shellWords[] = {name.data(), nullptr};
     int count = 1;
     std::optional<QCoreApplication> shell; // only the help needs it
@@ -112,6 +142,14 @@ std::size_t CommandLine::choice(const QString& option, std::span<const char* con
     if (found == words.end())
         refuse(QString("--%1 is %2, not \"%3\"").arg(option, listedChoices(words), text(option)));
     return static_cast<std::size_t>(found - words.begin());
+}
+
+std::string CommandLine::path(const QString& option) const {
+    return bytesOf(text(option));
+}
+
+std::string CommandLine::argumentPath(std::size_t index) const {
+    return bytesOf(argument(index));
 }
 
 QString typedChoice(const QString& word) {

@@ -30,7 +30,7 @@ public:
     bool isSet(const QString& option) const { return parser_.isSet(option); }
     QString text(const QString& option) const { return parser_.value(option); }
     /// As the system calls want the name of a file.
-    std::string path(const QString& option) const { return text(option).toLocal8Bit().toStdString(); }
+    std::string path(const QString& option) const;
 
     /// Finite, from `least` to `most`; also "22k".
     double number(const QString& option, double least, double most) const;
@@ -44,7 +44,7 @@ public:
     QString argument(std::size_t index) const {
         return parser_.positionalArguments().value(static_cast<qsizetype>(index));
     }
-    std::string argumentPath(std::size_t index) const { return argument(index).toLocal8Bit().toStdString(); }
+    std::string argumentPath(std::size_t index) const;
 
 private:
     void checkArguments() const;

@@ -32,7 +32,7 @@ unsigned firstChannels(const StreamConfiguration& streams) {
 std::vector<Listed> listed(SoundSystem& system) {
     std::vector<DeviceDescription> devices;
     if (system.deviceList(devices) != kNoError)
-        throw CommandError("the sound system does not say what devices there are");
+        throw CommandError("no sound server answers");
     std::vector<Listed> list;
     bool hasInput = false;
     bool hasOutput = false;

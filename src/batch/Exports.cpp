@@ -67,6 +67,8 @@ void Exports::write(const std::function<std::string()>& table,
         csv_->write(table());
     if (hasPicture()) {
         qputenv("QT_QPA_PLATFORM", "offscreen"); // for its fonts; nothing is shown
+        // What the toolkit has to say of a desktop that is not there is of no use.
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
         int argc = 1;
         char name[] = "sonotrace";
         char* argv[] = {name, nullptr};

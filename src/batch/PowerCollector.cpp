@@ -61,7 +61,8 @@ PowerCollector::PowerCollector(std::span<const double> window, std::int32_t bloc
 }
 
 PowerCollector::~PowerCollector() {
-    jobs_.finish(); // the threads end with what is there
+    jobs_.abandon();
+    threads_.clear(); // waits for what they are at
 }
 
 void PowerCollector::add(std::span<const double> blockSum) {

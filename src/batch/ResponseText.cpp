@@ -38,7 +38,7 @@ std::string responseText(std::span<const ResponsePoint> points) {
 std::string responseTable(std::span<const ResponsePoint> points, const ResponseConditions& conditions) {
     const ResponseQuestion& question = conditions.question;
     CsvText text;
-    text.comments(originLines("Frequency response", originOf(conditions.input)));
+    text.comments(originLines("frequency response", originOf(conditions.input)));
     text.comments(std::array<Setting, 7>{{{"Output", conditions.output},
                                           {"From", number(question.fromHz) + " Hz"},
                                           {"To", number(question.toHz) + " Hz"},

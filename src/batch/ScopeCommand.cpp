@@ -1,7 +1,10 @@
+#include "base/MeasurementOrigin.h"
 #include "base/SampleRate.h"
+#include "base/SystemLog.h"
 #include "batch/CommandError.h"
 #include "batch/CommandLine.h"
 #include "batch/Commands.h"
+#include "batch/Exports.h"
 #include "batch/InputOptions.h"
 #include "batch/ScopeJson.h"
 #include "batch/StandardStreams.h"
@@ -9,6 +12,9 @@
 #include "scope/ScopeCapture.h"
 #include "scope/ScopeControls.h"
 #include "scope/ScopeReadings.h"
+#include "scope/ScopeReport.h"
+#include "scope/ScopeSettings.h"
+#include "scope/ScopeTable.h"
 
 #include <QJsonDocument>
 
@@ -88,10 +94,13 @@ int runScope(int argc, char** argv) {
     line.addFlag({"falling"}, "Begin where the signal falls through that value.");
     line.addFlag({"invert"}, "Show both channels upside down.");
     line.addOption({"steady"}, "CHANNEL", "Draw both traces around a crossing of channel 1 or 2.", "off");
+    Exports::addOptions(line);
     line.addFlag({"json"}, "Print JSON.");
     if (!line.parse(argc, argv))
         return 0;
     const ScopeControls controls = controlsOf(line);
+    Exports exports(line);
+    silenceSystemLog(); // the search has something to say
     AudioFile file = openInput(line);
     ScopeCapture capture(controls, [] {});
     captureBlock(file, capture);
@@ -99,6 +108,21 @@ int runScope(int argc, char** argv) {
     for (const std::int32_t ch : {0, 1})
         readings.channels[static_cast<std::size_t>(ch)] = readSignal(capture.raw(ch), kSampleRate);
     readings.delay = ChannelDelay(kScopeSignal, kSampleRate).read(capture.raw(0), capture.raw(1));
+    ScopeTrace trace;
+    trace.build(controls, capture, 1.0, 1.0); // searches; a picture is built anew in its size
+    const auto origin = originOf(file.name());
+    const auto settings = worded(controls, {});
+    exports.write([&] { return scopeTable(origin, settings, trace, capture, {}); },
+                  [&] {
+                      return scopeReport({.title = {},
+                                          .origin = origin,
+                                          .settings = settings,
+                                          .readings = wordedReadings(&readings, {}),
+                                          .group = 2},
+                                         {.trace = trace, .offsets = controls.offset});
+                  });
+    if (exports.takeStandardOutput())
+        return 0;
     if (line.isSet("json"))
         printOut(QJsonDocument(scopeJson(readings)).toJson().toStdString());
     else

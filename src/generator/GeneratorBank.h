@@ -25,8 +25,11 @@ inline constexpr double kMostFrequency = 22000.0;
 inline constexpr double kMostPhase = 360.0; ///< degrees, to either side
 
 inline GeneratorSettings withinLimits(GeneratorSettings settings) {
-    settings.frequency = std::clamp(settings.frequency, kLeastFrequency, kMostFrequency);
-    settings.phase = std::clamp(settings.phase, -kMostPhase, kMostPhase);
+    const auto limited = [](double value, double least, double most) {
+        return std::clamp(value == value ? value : 0.0, least, most); // fields show no number as 0
+    };
+    settings.frequency = limited(settings.frequency, kLeastFrequency, kMostFrequency);
+    settings.phase = limited(settings.phase, -kMostPhase, kMostPhase);
     return settings;
 }
 

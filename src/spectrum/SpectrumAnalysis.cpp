@@ -71,6 +71,7 @@ void SpectrumAnalysis::takeSum(std::span<const double> sum, std::span<const doub
     lastSize_ = sum.size();
     fftSize_ = static_cast<double>(lastSize_);
     windowCoeffs_.assign(weights.begin(), weights.end());
+    windowSum_ = std::accumulate(weights.begin(), weights.end(), 0.0);
     fftWork_.assign(2 * lastSize_, 0.0);
     for (std::size_t i = 0; i < lastSize_; ++i)
         fftWork_[2 * i] = sum[i];

@@ -35,6 +35,15 @@ void SpectrumOverlays::add(const SpectrumBins& spectrum) {
         hold_.add(bins);
 }
 
+void SpectrumOverlays::take(std::span<const double> mean, std::span<const double> highest) {
+    setAverage(AverageKind::Exponential, 1); // of one, which it is exactly
+    ask(SpectrumOverlay::PeakHold, true);
+    average_.clear();
+    hold_.clear();
+    average_.add(mean);
+    hold_.add(highest);
+}
+
 bool SpectrumOverlays::clear() {
     const bool hadAny = average_.count() > 0 || !hold_.highest().empty();
     average_.clear();

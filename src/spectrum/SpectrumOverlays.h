@@ -33,6 +33,10 @@ public:
     /// Takes a spectrum.
     void add(const SpectrumBins& spectrum);
 
+    /// Takes a mean and the highest powers that were collected elsewhere, of spectra like the last one, for
+    /// average and peak hold, and asks for both.
+    void take(std::span<const double> mean, std::span<const double> highest);
+
     /// Drops average and peak hold: what comes next is of another kind. Whether there was anything.
     bool clear();
     void resetPeakHold() { hold_.clear(); }

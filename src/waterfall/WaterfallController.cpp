@@ -5,7 +5,9 @@
 #include "base/SampleRate.h"
 #include "base/SystemLog.h"
 #include "ui_WaterfallWindow.h"
+#include "waterfall/WaterfallExport.h"
 #include "waterfall/WaterfallFindings.h"
+#include "widgets/ExportMenu.h"
 #include "widgets/FilePanels.h"
 #include "widgets/InputHints.h"
 #include "widgets/NumberField.h"
@@ -106,6 +108,13 @@ void WaterfallController::setUpAdditions() {
         shortcut->setContext(owner == &window_ ? Qt::WindowShortcut : Qt::WidgetShortcut);
         connect(shortcut, &QShortcut::activated, ui_->pauseButton, &QAbstractButton::toggle);
     }
+    const ExportMenu& menu = addExportMenu(
+        {*ui_->exportButton, preferences_, parameters_, *image_, *rulers_, *ui_->mainView,
+         [this] { return source_->origin(pause_.isValid() ? pause_.elapsed() : 0); },
+         [this] {
+             return std::vector<Setting>{{"Input volume", ui_->soundInputVolume2Value->text().toStdString()}};
+         }});
+    connect(&menu, &ExportMenu::said, source_.get(), &InputSource::showNotice);
     connect(ui_->pauseButton, &QAbstractButton::toggled, this, &WaterfallController::setPaused);
     connect(ui_->fitButton, &QAbstractButton::clicked, this, &WaterfallController::fitLimits);
     connect(ui_->channelPopup, &QComboBox::currentIndexChanged, this, [this](int index) {

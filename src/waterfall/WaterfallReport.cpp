@@ -82,13 +82,13 @@ ReportPicture waterfallReport(ReportContent content, const WaterfallReadout& rea
                               const std::optional<PictureReference>& reference) {
     content.title = "Waterfall";
     if (const auto newest = readout.image().keptColumns().newestScale()) {
-        content.settings = waterfallSettings(newest->scale);
+        std::vector<Setting> settings = waterfallSettings(newest->scale);
         const WaterfallParameters& parameters = readout.parameters();
-        content.settings.push_back(
-            {"Colours", QString("%1 to %2 dB")
-                            .arg(parameters.waterfallMinDB.load(std::memory_order_relaxed))
-                            .arg(parameters.waterfallMaxDB.load(std::memory_order_relaxed))
-                            .toStdString()});
+        settings.push_back({"Colours", QString("%1 to %2 dB")
+                                           .arg(parameters.waterfallMinDB.load(std::memory_order_relaxed))
+                                           .arg(parameters.waterfallMaxDB.load(std::memory_order_relaxed))
+                                           .toStdString()});
+        content.settings.insert(content.settings.begin(), settings.begin(), settings.end());
     }
     return {std::move(content), std::make_unique<WaterfallPlot>(readout, reference)};
 }

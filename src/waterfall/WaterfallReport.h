@@ -7,7 +7,8 @@
 
 namespace sonotrace {
 
-/// The page of the picture as it is now in view, with its scales; title and settings are set. The picture may
+/// The page of the picture as it is now in view, with its scales; the title is set, and the settings of
+/// the picture are put in front of the others. The picture may
 /// go on meanwhile and afterwards. Window thread.
 ReportPicture waterfallReport(ReportContent content, const WaterfallReadout& readout,
                               const std::optional<PictureReference>& reference = {});

@@ -1,5 +1,6 @@
 #include "app/WindowControl.h"
 
+#include "batch/Subcommands.h"
 #include "generator/SettingsFile.h"
 
 #include "support/DeviceListSystem.h"
@@ -289,6 +290,42 @@ TEST_F(WindowControlTest, ASettingsFileIsTakenAsItIsWrittenExactlyAndClampedByTh
     undo.trigger();
     EXPECT_EQ(slot(1).frequency, 777) << "also what was typed last";
     EXPECT_FALSE(undo.isEnabled());
+}
+
+TEST_F(WindowControlTest, WhatIsRenderedWithoutAWindowIsWhatIsRecordedWithOne) {
+    SettingsOfAll all{};
+    for (std::int32_t i = 0; i < 8; ++i)
+        all[static_cast<std::size_t>(i)] = {440.7 * (i + 1), 30.0 * i, 0.9, -0.3, i, 1};
+    all[9] = {30000.0, -1e300, 1.0, 1.0, 0, 1};
+    all[10] = {std::nan(""), std::nan(""), 1.0, 1.0, 3, 1};
+    all[12] = {1000.0, 0.0, 1.0, 1.0, 0, 7}; // more than on
+    const auto block = encodeSettingsFile(all);
+    std::string settings = path("all.generator").toStdString();
+    std::string rendered = path("rendered.wav").toStdString();
+    std::ofstream(settings).write(reinterpret_cast<const char*>(block.data()), std::ssize(block));
+    launch();
+    control_->openSettings(path("all.generator"));
+    control_->HalfSecTimer();
+    const QWidget& sweep = open("Sweep");
+    for (const auto& [field, value] : {std::pair("startFreq", "100"), {"endFreq", "9000"}, {"rate", "20000"}})
+        findControl<QLineEdit>(sweep, field).setText(value);
+    for (const char* amplitude : {"amplitudeLeft", "amplitudeRight"})
+        findControl<QSlider>(sweep, amplitude).setValue(findControl<QSlider>(sweep, amplitude).maximum());
+    for (const char* button : {"leftEnabled", "rightEnabled", "reverse", "oneShot"})
+        findControl<QAbstractButton>(sweep, button).click();
+    control_->syncPhases();
+    EXPECT_TRUE(control_->startRecording(path("recorded.wav")));
+    system_->advance(100000);
+    control_->doStopRecordingFileMenu();
+
+    std::string words[] = {"sonotrace", "render",    settings, "--sweep", "100,9000,20000,reverse,once",
+                           "--seconds", "2.2675737", "-o",     rendered}; // 100000 frames
+    std::vector<char*> arguments;
+    for (std::string& word : words)
+        arguments.push_back(word.data());
+    EXPECT_EQ(runSubcommand(static_cast<int>(arguments.size()), arguments.data()), 0);
+    EXPECT_EQ(contents(path("recorded.wav")).size(), 400044);
+    EXPECT_TRUE(contents(path("rendered.wav")) == contents(path("recorded.wav")));
 }
 
 TEST_F(WindowControlTest, CalibrationsAreEnteredAndKeptAtOnce) {

@@ -1,14 +1,11 @@
 #include "batch/FileSpectra.h"
-#include "batch/Subcommands.h"
-#include "generator/SettingsFile.h"
 #include "spectrum/SpectrumAnalysis.h"
-#include "support/RenderBench.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
+#include <algorithm>
 #include <random>
+#include <vector>
 
 namespace sonotrace {
 namespace {
@@ -81,47 +78,6 @@ TEST(FileSpectra, TheMeanOfManyDoesNotDependOnWhichThreadIsFirst) {
             first = mean;
         EXPECT_EQ(mean, first);
     }
-}
-
-TEST(Render, WritesWhatTheProgramPlaysAfterItHasOpenedTheSettings) {
-    const auto folder = std::filesystem::path(testing::TempDir());
-    const std::string settings = folder / "render.settings";
-    const std::string wave = folder / "render.wav";
-    RenderBench bench;
-    SettingsOfAll all{};
-    for (std::int32_t i = 0; i < 8; ++i)
-        all[static_cast<std::size_t>(i)] = {440.7 * (i + 1), 30.0 * i, 0.9, -0.3, i, 1};
-    all[9] = {30000.0, 720.0, 1.0, 1.0, 0, 1}; // plays at the limits of the fields
-    const auto block = encodeSettingsFile(all);
-    std::ofstream(settings).write(reinterpret_cast<const char*>(block.data()), std::ssize(block));
-    all[9].frequency = 22000.0;
-    all[9].phase = 360.0;
-    for (std::size_t i = 0; i < all.size(); ++i)
-        bench.set(i, all[i]);
-    bench.setSweep(100, 9000, 20000);
-    bench.sweep.amplitudeRight = 1.0;
-    bench.sweep.reverse = 1;
-    bench.sweep.restart = 1;
-    const auto played = bench.render(53); // more than is rendered at a time
-
-    std::vector<std::string> words = {"sonotrace", "render",    settings, "--sweep", "100,9000,20000,reverse",
-                                      "--seconds", "6.0000227", "-o",     wave}; // 264601 frames
-    std::vector<char*> arguments;
-    for (std::string& word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
-    ASSERT_EQ(runSubcommand(static_cast<int>(words.size()), arguments.data()), 0);
-    std::ifstream file(wave);
-    std::vector<char> header(kWavHeaderBytes);
-    file.read(header.data(), std::ssize(header));
-    std::vector<std::int16_t> rendered(2 * 264601);
-    file.read(reinterpret_cast<char*>(rendered.data()), std::ssize(rendered) * 2);
-    EXPECT_EQ(file.gcount(), 1058404);
-    EXPECT_EQ(file.peek(), EOF);
-    const auto end = std::ranges::mismatch(rendered, played);
-    EXPECT_EQ(end.in1 - rendered.begin(), std::ssize(rendered));
-    const auto expected = wavHeader(2, 2, 16, 1058404);
-    EXPECT_TRUE(std::ranges::equal(std::as_bytes(std::span(header)), expected));
 }
 
 } // namespace

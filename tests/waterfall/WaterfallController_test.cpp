@@ -7,7 +7,11 @@
 #include "widgets/ReadingsPanel.h"
 #include "widgets/RealSlider.h"
 
+#include <QAction>
+#include <QClipboard>
 #include <QDir>
+#include <QFile>
+#include <QGuiApplication>
 #include <QImage>
 #include <QRegularExpression>
 
@@ -179,6 +183,34 @@ TEST_F(WaterfallWindowTest, LimitsFitThePictureAndTheChannelIsChosen) {
         click("fitButton");
         return status().contains("nothing in the picture");
     })) << status().toStdString();
+}
+
+TEST_F(WaterfallWindowTest, WhatIsInViewIsExportedPixelByPixelAndAsLevels) {
+    open();
+    find<QAction>("copyData").trigger();
+    EXPECT_EQ(status(), "There is no picture yet to export");
+    openWithATone();
+    find<QAction>("copyPicture").trigger();
+    const QImage page = QGuiApplication::clipboard()->image().convertToFormat(QImage::Format_RGB32);
+    view().grab();
+    const QImage shown = view().grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const auto face = [&page, &shown](int x, int y) { return page.copy(QRect(QPoint(x, y), shown.size())); };
+    bool isThere = false;
+    for (int y = 0; y <= page.height() - shown.height(); ++y)
+        for (int x = 0; x <= page.width() - shown.width() && !isThere; ++x)
+            isThere = page.pixel(x, y) == shown.pixel(0, 0) && face(x, y) == shown;
+    EXPECT_TRUE(isThere) << "the picture is on the page as it is on the screen";
+
+    answerFilePanel(folder_.filePath("levels"));
+    find<QAction>("saveData").trigger();
+    EXPECT_EQ(status(), "Data saved to " + folder_.filePath("levels.csv"));
+    QFile file(folder_.filePath("levels.csv"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QStringList lines = QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts);
+    EXPECT_TRUE(lines.contains("# Source: Built-in Loopback"));
+    EXPECT_EQ(lines.filter(QRegularExpression("^[^#]")).size(), 1 + 43) << "a second of columns";
+    EXPECT_EQ(lines.last().count(','), view().height());
+    EXPECT_GT(lines.last().section(',', view().height() / 2 + 1).section(',', 0, 0).toDouble(), 90.0);
 }
 
 TEST_F(WaterfallWindowTest, FullPicturesOfSlowColumnsAreSavedUnderNamesOfTheirOwn) {
