@@ -8,6 +8,7 @@
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QtMath>
 
 #include <algorithm>
 #include <cmath>
@@ -151,11 +152,11 @@ PageSize PageSize::ofPixels(const QSize& pixels) {
     const double scale = std::min(static_cast<double>(pixels.width()) / kUsualPage.width(),
                                   static_cast<double>(pixels.height()) / kUsualPage.height());
     const double taken = std::max(scale, kSmallestScale);
-    return {pixels, taken, std::min(taken, std::max(kLeastScale, taken / 2.0))};
+    return {pixels, taken, std::min(taken, std::max(kLeastScale, taken / 2.0)), false};
 }
 
 PageSize PageSize::a4() {
-    return {QSize(3508, 2480), kA4Scale, kA4Scale / 2.0};
+    return {QSize(3508, 2480), kA4Scale, kA4Scale / 2.0, false};
 }
 
 ReportPicture::ReportPicture(ReportContent content, std::unique_ptr<ReportPlot> plot)
@@ -173,11 +174,13 @@ PageSize ReportPicture::around(const QSize& face, double scale) const {
     const int inner = face.width() + rulers.left() + rulers.right();
     const QSize points(inner + 2 * kMargin, 2 * kMargin + headHeight() + face.height() + rulers.top() +
                                                 rulers.bottom() + textHeight(inner));
-    return {(QSizeF(points) * scale).toSize(), scale, scale};
+    return {(QSizeF(points) * scale).toSize(), scale, scale, true};
 }
 
-ReportPicture::Layout ReportPicture::layOut(const QSize& points) const {
+ReportPicture::Layout ReportPicture::layOut(const PageSize& page, double scale) const {
     Layout layout;
+    layout.scale = scale;
+    const QSize points = (QSizeF(page.pixels) / scale).toSize();
     layout.page = points;
     const QRect inner = QRect(QPoint(0, 0), points).adjusted(kMargin, kMargin, -kMargin, -kMargin);
     const int settings = blockHeight(settings_, inner.width(), content_.group);
@@ -189,7 +192,8 @@ ReportPicture::Layout ReportPicture::layOut(const QSize& points) const {
     const QSize least = plot_->least();
     layout.isWhole = room.width() >= least.width() && room.height() >= least.height();
     // What has no room at all goes over the page's lower edge.
-    const int height = std::max({room.height(), std::min(least.height(), below.height() / 2), 1});
+    const int atLeast = page.isExact ? 1 : std::max(1, std::min(least.height(), below.height() / 2));
+    const int height = std::max(room.height(), atLeast);
     layout.face =
         QRect(below.left() + rulers.left(), below.top() + rulers.top(), std::max(room.width(), 1), height);
     layout.settings =
@@ -200,12 +204,11 @@ ReportPicture::Layout ReportPicture::layOut(const QSize& points) const {
 
 ReportPicture::Layout ReportPicture::fitted(const PageSize& page) const {
     double scale = page.scale;
-    Layout layout = layOut((QSizeF(page.pixels) / scale).toSize());
+    Layout layout = layOut(page, scale);
     while (!layout.isWhole && scale * kStep >= page.leastScale) {
         scale *= kStep;
-        layout = layOut((QSizeF(page.pixels) / scale).toSize());
+        layout = layOut(page, scale);
     }
-    layout.scale = scale;
     return layout;
 }
 
@@ -293,6 +296,28 @@ void ReportPicture::paintHead(QPainter& painter, const Layout& layout) const {
                                         std::max(room, 0)));
 }
 
+/// In pixels of its own, as on the screen: what reaches beyond it is cut in the same way, to the last pixel.
+void ReportPicture::paintFace(QPainter& painter, const Layout& layout) const {
+    const QRect& face = layout.face;
+    painter.save();
+    if (isOnPaper(painter)) {
+        painter.translate(face.topLeft());
+        painter.setClipRect(QRect(QPoint(0, 0), face.size()));
+        plot_->paint(painter, painter.font());
+    } else {
+        const QSizeF pixels = QSizeF(face.size()) * layout.scale;
+        QImage image(qCeil(pixels.width()), qCeil(pixels.height()), QImage::Format_RGB32);
+        QPainter facePainter(&image);
+        facePainter.scale(layout.scale, layout.scale);
+        facePainter.setFont(painter.font());
+        plot_->paint(facePainter, painter.font());
+        facePainter.end();
+        painter.resetTransform();
+        painter.drawImage((QPointF(face.topLeft()) * layout.scale).toPoint(), image);
+    }
+    painter.restore();
+}
+
 void ReportPicture::paintPlot(QPainter& painter, const Layout& layout) const {
     const QRect& face = layout.face;
     const std::vector<RulerScale> rulers = plot_->build(face.size());
@@ -303,10 +328,7 @@ void ReportPicture::paintPlot(QPainter& painter, const Layout& layout) const {
         painter.restore();
     };
     const QFont font = painter.font();
-    paintAt(face.topLeft(), [&] {
-        painter.setClipRect(QRect(QPoint(0, 0), face.size()));
-        plot_->paint(painter, font);
-    });
+    paintFace(painter, layout);
     const int strip = plot_->stripWidth();
     if (strip > 0)
         paintAt(face.topRight() + QPoint(1, 0),

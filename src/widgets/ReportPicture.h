@@ -21,6 +21,7 @@ struct PageSize {
     QSize pixels;
     double scale = 1;      ///< at best
     double leastScale = 1; ///< to which it goes down for what else would not fit
+    bool isExact = false;  ///< made around a face, however small that is
 
     QSize points() const { return (QSizeF(pixels) / scale).toSize(); }
 
@@ -57,11 +58,12 @@ public:
 private:
     struct Layout;
 
-    Layout layOut(const QSize& points) const;
+    Layout layOut(const PageSize& page, double scale) const;
     Layout fitted(const PageSize& page) const;
     int textHeight(int width) const;
     void paint(QPainter& painter, const Layout& layout) const;
     void paintHead(QPainter& painter, const Layout& layout) const;
+    void paintFace(QPainter& painter, const Layout& layout) const;
     void paintPlot(QPainter& painter, const Layout& layout) const;
 
     const ReportContent content_;

@@ -4,6 +4,7 @@
 #include "widgets/ReadingsPanel.h"
 #include "widgets/RealSlider.h"
 
+#include <QClipboard>
 #include <QImage>
 
 #include <gtest/gtest.h>
@@ -110,6 +111,28 @@ TEST_F(ScopeWindowTest, ReadingsSayWhatIsHeardAndStayWithThePictureThatIsHeld) {
     for (const double end : {0.25, 1.0 - 1.0 / view.width()})
         EXPECT_TRUE(ends.contains(QString("\t%1 ms\n").arg(100 / 44.1 * end, 0, 'f', 4)))
             << ends.toStdString();
+}
+
+/// With traces of lines and of columns.
+TEST_F(ScopeWindowTest, WhatIsExportedIsWhatIsOnTheScreen) {
+    preferences_.setDouble("SCOPE_soundInputVolume", 1000);
+    Tone tone(system_);
+    tone.bench.set(0, {441, 0, 0.5, 0.3, 0, 1});
+    open();
+    window_->show();
+    trigger("copyPicture");
+    EXPECT_EQ(status(), "There is no block yet to export");
+    choose("inputPopup", 0);
+    slide("offsetSlider1", 25);
+    for (const double sweep : {3.0, 1.0}) {
+        slide("sweepSlider", sweep);
+        hear(2);
+        click("holdButton");
+        QCoreApplication::processEvents();
+        trigger("copyPicture");
+        EXPECT_TRUE(showsView(QGuiApplication::clipboard()->image(), find<QWidget>("mainView"))) << sweep;
+        click("holdButton");
+    }
 }
 
 } // namespace

@@ -6,7 +6,10 @@
 #include "widgets/ReadingsPanel.h"
 #include "widgets/RealSlider.h"
 
+#include <QClipboard>
+#include <QFile>
 #include <QImage>
+#include <QMimeData>
 #include <QScreen>
 
 #include <gtest/gtest.h>
@@ -127,6 +130,49 @@ TEST_F(SpectrumWindowTest, TheNumbersUnderThePictureAreThoseOfTheTone) {
     EXPECT_TRUE(shows("Peak\t–")) << panel.text().toStdString();
     QTest::keyClick(&view, Qt::Key_Escape);
     EXPECT_TRUE(shows("A\t–"));
+}
+
+TEST_F(SpectrumWindowTest, WhatIsExportedIsWhatIsOnTheScreen) {
+    preferences_.setDouble("SPECTRUM_soundInputVolume", 1000);
+    preferences_.setInteger("spectrumGridCheckbox", 1);
+    preferences_.setFloat("gridBrightness", 1000);
+    preferences_.setInteger("SPECTRUM_fftSizePopup", 4);
+    Tone tone(system_);
+    tone.bench.set(0, {2500, 0, 0.9, 0, 0, 1});
+    open();
+    window_->show();
+    trigger("copyData");
+    EXPECT_EQ(status(), "There is no spectrum yet to export");
+    choose("inputPopup", 0);
+    hear(1);
+    click("holdButton");
+    hear(1);
+    QClipboard& clipboard = *QGuiApplication::clipboard();
+    const auto rows = [&] {
+        trigger("copyData");
+        const QByteArray table = clipboard.mimeData()->data("text/csv");
+        return table.mid(table.indexOf("\nfrequency_hz"));
+    };
+    const QByteArray held = rows();
+    EXPECT_EQ(held.count('\n'), 2 + 117) << "names, and the bins of 1024 points up to 5000 Hz";
+    EXPECT_TRUE(held.contains("\n2497.851562,-0.9484")) << held.toStdString();
+    tone.bench.set(0, {2500, 0, 0, 0, 0, 1});
+    hear(1);
+    EXPECT_EQ(rows(), held);
+    trigger("copyPicture");
+    EXPECT_TRUE(showsView(clipboard.image(), find<QWidget>("mainView")));
+    EXPECT_TRUE(status().startsWith("Picture copied: ")) << status().toStdString();
+
+    trigger("sizeA4");
+    const QString path = folder_.filePath("page.pdf");
+    answerFilePanel(path);
+    trigger("savePicture");
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly) && file.read(5) == "%PDF-");
+    EXPECT_EQ(status(), "Picture saved to " + path);
+    answerFilePanel("/proc/none/data.csv");
+    trigger("saveData");
+    EXPECT_TRUE(status().startsWith("/proc/none/data.csv cannot be written")) << status().toStdString();
 }
 
 TEST(SpectrumView, PaintsAsMuchOfEachSpectrumAsMakesThePictureWhole) {

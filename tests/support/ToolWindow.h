@@ -7,9 +7,11 @@
 #include "widgets/QtRunLoop.h"
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QFileDialog>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QSlider>
@@ -91,6 +93,18 @@ inline void answerFilePanel(const QString& path, QString* title = nullptr, QStri
     timer->start(20);
 }
 
+/// Whether a view, as it is now, is on a page of the size of the screen, pixel by pixel.
+inline bool showsView(const QImage& page, QWidget& view) {
+    const QImage face = view.grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const QImage picture = page.convertToFormat(QImage::Format_RGB32);
+    for (int x = 0; x + face.width() <= picture.width(); ++x)
+        for (int y = 0; y + face.height() <= picture.height(); ++y)
+            if (picture.pixel(x, y) == qRgb(0, 0, 0) &&
+                picture.copy(QRect(QPoint(x, y), face.size())) == face)
+                return true;
+    return false;
+}
+
 /// A test of a window, which finds its controls by their names and may have a store of its own.
 class WindowTest : public testing::Test {
 protected:
@@ -101,6 +115,7 @@ protected:
 
     void type(const QString& field, const QString& text) { find<QLineEdit>(field).setText(text); }
     void click(const QString& button) { find<QAbstractButton>(button).click(); }
+    void trigger(const QString& action) { window_->findChild<QAction*>(action)->trigger(); }
     QString text(const QString& label) { return find<QLabel>(label).text(); }
 
     /// Chooses from a pop-up as a user does.
