@@ -83,9 +83,10 @@ TEST(SampleRing, FoldsTheChannelsAsChosen) {
                                           {ChannelFold::Difference, -1},
                                           {static_cast<ChannelFold>(99), -25535}}) {
         ring.fold(std::array<std::int16_t, 2>{20000, 20001}, channel);
-        ring.take(1, [&](std::size_t, std::span<const std::int16_t> taken) {
-            EXPECT_EQ(taken.front(), sample) << static_cast<int>(channel);
-        });
+        std::int16_t taken = 0;
+        ring.take(1,
+                  [&taken](std::size_t, std::span<const std::int16_t> samples) { taken = samples.front(); });
+        EXPECT_EQ(taken, sample) << static_cast<int>(channel);
     }
 }
 
