@@ -1,6 +1,5 @@
 #include "batch/SpectrumExport.h"
 
-#include "base/PlainNumber.h"
 #include "batch/Exports.h"
 #include "spectrum/SpectrumAxes.h"
 #include "spectrum/SpectrumReport.h"
@@ -8,6 +7,7 @@
 #include "spectrum/SpectrumTable.h"
 #include "spectrum/SpectrumWording.h"
 #include "widgets/LevelText.h"
+#include "widgets/NumberText.h"
 
 #include <algorithm>
 
@@ -35,8 +35,9 @@ SpectrumExport::SpectrumExport(const SpectrumMeasurement& measurement, bool isLo
                         .mainsHz = measurement.question.mainsHz});
     std::ranges::find(settings_, "Power average", &Setting::name)->value =
         "all " + std::to_string(spectra.spectra()) + " spectra, as the peak hold";
-    settings_.push_back({"Level and readings", "of the last spectrum, from " +
-                                                   plainNumber(measurement.lastSpectrumAt()) + " s on"});
+    settings_.push_back({"Level and readings",
+                         "of the last spectrum, from " +
+                             textWithDecimals(measurement.lastSpectrumAt(), 3).toStdString() + " s on"});
 }
 
 std::string SpectrumExport::table() const {

@@ -8,9 +8,8 @@
 #include "batch/Exports.h"
 #include "batch/InputOptions.h"
 #include "batch/OutputFile.h"
-#include "batch/Progress.h"
-#include "batch/ReadAhead.h"
 #include "batch/StandardStreams.h"
+#include "batch/WaterfallPainting.h"
 #include "waterfall/PictureFile.h"
 #include "waterfall/RecordedWaterfall.h"
 #include "waterfall/WaterfallReport.h"
@@ -25,7 +24,6 @@ namespace sonotrace {
 
 namespace {
 
-constexpr double kLongest = 1e9;                                                             // s
 constexpr std::array<const char*, 4> kChannelWords = {"sum", "left", "right", "difference"}; // as ChannelFold
 
 void addArguments(CommandLine& line) {
@@ -86,36 +84,16 @@ RecordedWaterfallSettings settingsOf(const CommandLine& line) {
     return settings;
 }
 
-/// Frames whose channels are together beyond 16 bits.
-std::size_t wrappedFrames(std::span<const std::int16_t> interleaved, ChannelFold channel) {
-    if (channel == ChannelFold::Left || channel == ChannelFold::Right)
-        return 0;
-    const int sign = channel == ChannelFold::Sum ? 1 : -1;
-    std::size_t wrapped = 0;
-    for (std::size_t i = 0; i + 1 < interleaved.size(); i += 2) {
-        const int together = interleaved[i] + sign * interleaved[i + 1];
-        wrapped += together < INT16_MIN || together > INT16_MAX ? 1 : 0;
-    }
-    return wrapped;
-}
-
-void paint(RecordedWaterfall& waterfall, AudioFile& file, ChannelFold channel) {
-    const auto total = file.frames();
-    Progress progress(total ? std::optional(static_cast<double>(*total) / kSampleRate) : std::nullopt);
-    std::size_t frames = 0;
-    std::size_t wrapped = 0;
-    readAhead<std::int16_t>(file, [&](std::span<const std::int16_t> interleaved) {
-        waterfall.add(interleaved);
-        wrapped += wrappedFrames(interleaved, channel);
-        frames += interleaved.size() / 2;
-        progress.update(static_cast<double>(frames) / kSampleRate);
-    });
+void paint(RecordedWaterfall& waterfall, const RecordedWaterfallSettings& settings, AudioFile& file) {
+    const PaintedSound painted = paintFile(waterfall, settings, file);
+    const auto line = static_cast<std::uint64_t>(waterfall.parameters().frameLength());
     if (!waterfall.finish())
-        throw CommandError(file.name() + " holds " + std::to_string(frames) + " samples: a line needs " +
-                           std::to_string(waterfall.parameters().frameLength()) + " (FFT size)");
-    if (wrapped > 0)
-        warn(std::string("the ") + kChannelWords[static_cast<std::size_t>(channel)] +
-             " of the channels is beyond 16 bits in " + std::to_string(wrapped) +
+        throw CommandError(file.name() + " holds " + std::to_string(painted.frames) + " samples: " +
+                           (painted.frames < line ? "a line needs " + std::to_string(line) + " (FFT size)"
+                                                  : "that is less than a column (--seconds-per-column)"));
+    if (painted.wrapped > 0)
+        warn(std::string("the ") + kChannelWords[static_cast<std::size_t>(settings.channel)] +
+             " of the channels is beyond 16 bits in " + std::to_string(painted.wrapped) +
              " samples, and wraps around as in the waterfall's window");
 }
 
@@ -138,7 +116,7 @@ int runWaterfall(int argc, char** argv) {
     silenceSystemLog();
     AudioFile file = openInput(line);
     RecordedWaterfall waterfall(settings, file.frames());
-    paint(waterfall, file, settings.channel);
+    paint(waterfall, settings, file);
     const WaterfallImage& image = waterfall.image();
     if (raw) {
         const QByteArray png = writtenPicture(image, "png");

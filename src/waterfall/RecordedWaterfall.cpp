@@ -43,29 +43,60 @@ ColumnPlan planColumns(const RecordedWaterfallSettings& settings, std::optional<
 
 RecordedWaterfall::RecordedWaterfall(const RecordedWaterfallSettings& settings,
                                      std::optional<std::uint64_t> frames)
-    : settings_(settings), analysis_(parameters_, image_, log_, [] {
+    : settings_(settings), analysis_(setParameters(planColumns(settings, frames)), image_, log_, [] {
           return std::chrono::steady_clock::time_point(); // there is always time for all lines
-      }) {
-    const ColumnPlan plan = planColumns(settings, frames);
+      }) {}
+
+WaterfallParameters& RecordedWaterfall::setParameters(const ColumnPlan& plan) {
+    parameters_.onlyLog2Length = settings_.log2Length;
     parameters_.leastSlowSeconds = 0.0;
-    parameters_.waterfallFftLen.store(std::ldexp(1.0, settings.log2Length), kRelaxed);
-    parameters_.fftSizeLog2.store(settings.log2Length, kRelaxed);
-    parameters_.log2SampleLength.store(settings.log2Length, kRelaxed);
+    parameters_.waterfallFftLen.store(std::ldexp(1.0, settings_.log2Length), kRelaxed);
+    parameters_.fftSizeLog2.store(settings_.log2Length, kRelaxed);
+    parameters_.log2SampleLength.store(settings_.log2Length, kRelaxed);
     parameters_.waterfallSpeedup.store(plan.speedup, kRelaxed);
     parameters_.slowSeconds.store(plan.slowSeconds, kRelaxed);
-    parameters_.waterfallWindowType.store(settings.window, kRelaxed);
-    parameters_.channel.store(settings.channel, kRelaxed);
-    parameters_.lineMerge.store(settings.merge, kRelaxed);
-    parameters_.waterfallStartFreq.store(settings.startFreq, kRelaxed);
-    parameters_.waterfallEndFreq.store(settings.endFreq, kRelaxed);
-    parameters_.waterfallMinDB.store(settings.minDB.value_or(0.0F), kRelaxed);
-    parameters_.waterfallMaxDB.store(settings.maxDB.value_or(150.0F), kRelaxed);
-    parameters_.colorWaterfallPlot.store(settings.isColoured ? 1 : 0, kRelaxed);
-    image_.setBounds(plan.width, settings.height);
+    parameters_.waterfallWindowType.store(settings_.window, kRelaxed);
+    parameters_.channel.store(settings_.channel, kRelaxed);
+    parameters_.lineMerge.store(settings_.merge, kRelaxed);
+    parameters_.waterfallStartFreq.store(settings_.startFreq, kRelaxed);
+    parameters_.waterfallEndFreq.store(settings_.endFreq, kRelaxed);
+    parameters_.waterfallMinDB.store(settings_.minDB.value_or(0.0F), kRelaxed);
+    parameters_.waterfallMaxDB.store(settings_.maxDB.value_or(150.0F), kRelaxed);
+    parameters_.colorWaterfallPlot.store(settings_.isColoured ? 1 : 0, kRelaxed);
+    image_.setBounds(plan.width, settings_.height);
+    return parameters_;
+}
+
+std::size_t RecordedWaterfall::framesPerPart() const {
+    constexpr std::size_t kLeast = 65536; // much work beside handing it over
+    constexpr std::size_t kMost = 1048576;
+    if (parameters_.waterfallSpeedup.load(kRelaxed) != 1 || settings_.secondsPerColumn)
+        return 0;
+    const std::size_t length = std::size_t{1} << settings_.log2Length;
+    const std::size_t lines =
+        std::max<std::size_t>(1, static_cast<std::size_t>(std::llround(parameters_.slowSamples())) / length);
+    const std::size_t column = lines * length;
+    const std::size_t columns = (kLeast + column - 1) / column;
+    return columns * column <= kMost && columns < static_cast<std::size_t>(image_.bounds().width)
+               ? columns * column
+               : 0;
+}
+
+std::int32_t RecordedWaterfall::paintPart(std::span<const std::int16_t> interleaved) {
+    analysis_.forget();
+    const ColumnNumber before = image_.scrolled();
+    add(interleaved);
+    endLine();
+    return static_cast<std::int32_t>(image_.scrolled() - before);
+}
+
+/// A line waits for more than its samples.
+void RecordedWaterfall::endLine() {
+    add(std::array<std::int16_t, 2>{});
 }
 
 bool RecordedWaterfall::finish() {
-    analysis_.capture(std::array<std::int16_t, 2>{}); // a line waits for more than its samples
+    endLine();
     if (!image_.keptColumns().newestScale())
         return false;
     if (!settings_.minDB || !settings_.maxDB)

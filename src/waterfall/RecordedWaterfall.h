@@ -47,6 +47,18 @@ public:
     /// Takes any number of interleaved samples.
     void add(std::span<const std::int16_t> interleaved) { analysis_.capture(interleaved); }
 
+    /// Frames that make whole columns of their own, whatever was before them; 0 where lines overlap, or where
+    /// they are so many that they are not to be held at once.
+    std::size_t framesPerPart() const;
+
+    /// Paints a part that begins with a column, on a picture that the next part begins anew. Columns painted.
+    std::int32_t paintPart(std::span<const std::int16_t> interleaved);
+
+    /// Appends the columns of the part that another one with the same settings painted last.
+    void append(const RecordedWaterfall& other, std::int32_t columns) {
+        image_.append(other.image_, columns);
+    }
+
     /// Ends the sound: paints the line that only waits for more, and the colours anew where no limits were
     /// given. Whether there is any line.
     bool finish();
@@ -55,6 +67,8 @@ public:
     const WaterfallImage& image() const { return image_; }
 
 private:
+    WaterfallParameters& setParameters(const ColumnPlan& plan); ///< before the analysis is made
+    void endLine();
     void fitLimits();
 
     const RecordedWaterfallSettings settings_;

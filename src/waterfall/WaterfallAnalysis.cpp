@@ -40,6 +40,12 @@ bool WaterfallAnalysis::capture(std::span<const std::int16_t> interleaved) {
     return drewLines_;
 }
 
+void WaterfallAnalysis::forget() {
+    pass_ = {};
+    ring_.dropWaiting();
+    slowColumn_.clear();
+}
+
 void WaterfallAnalysis::take(std::span<const std::int16_t> interleaved) {
     const auto samples = static_cast<std::int32_t>(interleaved.size() / 2);
     const auto isBehind = [this, samples] { return ring_.room() <= samples; };

@@ -47,6 +47,9 @@ public:
     /// thread.
     bool capture(std::span<const std::int16_t> interleaved);
 
+    /// Forgets the samples that wait and what has been gathered of a column. Capture thread.
+    void forget();
+
     /// How many samples were never drawn because the lines asked for take longer than the sound they show.
     /// Any thread.
     std::int64_t droppedSamples() const { return droppedSamples_.load(std::memory_order_relaxed); }

@@ -126,6 +126,33 @@ void WaterfallImage::drawFFTLine(std::span<const double> magnitudes, std::int32_
     log_.add(statistics.logRecord());
 }
 
+void WaterfallImage::append(const WaterfallImage& other, std::int32_t columns) {
+    const auto newest = other.kept_.newestScale();
+    if (!newest || columns <= 0)
+        return;
+    scale_ = newest->scale;
+    const std::size_t rows = RowBins::rowsOf(scale_.rows.height);
+    const auto end = truncateToInt32(static_cast<double>(scale_.width));
+    std::vector<std::uint16_t> levels(rows);
+    std::vector<std::uint32_t> words(rows);
+    for (std::int32_t place = std::max(end - columns, 0); place < end; ++place) {
+        const ColumnNumber column = other.scrolled() + place;
+        const auto extremes = other.kept_.levels(column);
+        if (!extremes || !other.kept_.copyRows(column, newest->number, levels))
+            continue;
+        for (std::size_t i = 0; i < rows; ++i) {
+            const auto row = static_cast<std::int32_t>(ScrollingBitmap::kHeight - rows + i);
+            words[i] =
+                other.offscreen_.word(row, (other.offscreen_.origin(row) + place) % ScrollingBitmap::kWidth);
+        }
+        offscreen_.scrollRows(rows, 1);
+        scrolled_.store(scrolled() + 1, std::memory_order_relaxed);
+        number(scrolled() + end - 1);
+        kept_.keep(scrolled() + end - 1, *extremes, scale_, levels);
+        offscreen_.paintColumn(words, end - 1);
+    }
+}
+
 void WaterfallImage::repaint() {
     const auto newest = kept_.newestScale();
     if (!newest)

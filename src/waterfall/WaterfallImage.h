@@ -52,6 +52,10 @@ public:
     /// all where rows are above that. Capture thread.
     std::size_t binsFor(std::int32_t len);
 
+    /// Appends the newest columns of another picture, painted for a view of the same size and with the same
+    /// limits, as if they had been painted here. Capture thread of both.
+    void append(const WaterfallImage& other, std::int32_t columns);
+
     /// Paints the columns in view, as far as they are of the newest one's scale, with the colours and limits
     /// of now, from their levels as they are kept. Capture thread.
     void repaint();

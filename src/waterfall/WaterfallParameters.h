@@ -47,6 +47,8 @@ struct WaterfallParameters {
     double leastSlowSeconds = kLeastSlowSeconds;       ///< set before lines are drawn
     std::atomic<LineMerge> lineMerge{LineMerge::Peak}; ///< of the lines of a slow column
 
+    std::int32_t onlyLog2Length = 0; ///< set before the analysis is made: no other length comes; 0: any may
+
     /// N as a number of samples that fits every buffer, whatever is stored. Any thread.
     std::int32_t frameLength() const {
         const double length = waterfallFftLen.load(std::memory_order_relaxed);

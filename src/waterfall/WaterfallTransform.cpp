@@ -33,6 +33,8 @@ WaterfallTransform::WaterfallTransform(WaterfallParameters& parameters, Deferred
     : parameters_(parameters), log_(log), bufferMemory_(kSpectrumFloats) {
     AlignedFloats frame(kLargestFrameLength);
     for (int log2Length = kSmallestLog2Length; log2Length <= kLargestLog2Length; ++log2Length) {
+        if (parameters.onlyLog2Length != 0 && parameters.onlyLog2Length != log2Length)
+            continue;
         // The frame is overwritten with the result anyway, so the plan may use it as scratch space.
         setups_[static_cast<std::size_t>(log2Length)] = fftwf_plan_dft_r2c_1d(
             1 << log2Length, frame.data(), complexNumbers(bufferMemory_), FFTW_ESTIMATE | FFTW_DESTROY_INPUT);

@@ -40,7 +40,8 @@ public:
 private:
     WaterfallParameters& parameters_;
     DeferredLog& log_;
-    std::array<fftwf_plan_s*, kLargestLog2Length + 1> setups_{}; ///< by log2 of the length; none below 6
+    std::array<fftwf_plan_s*, kLargestLog2Length + 1>
+        setups_{};               ///< by log2 of the length; none that cannot come
     AlignedFloats bufferMemory_; ///< the natural layout: N/2 + 1 complex numbers
 };
 

@@ -71,6 +71,27 @@ TEST(RecordedWaterfall, FillsThePictureWithTheWholeRecording) {
     }
 }
 
+TEST(RecordedWaterfall, IsTheSameInParts) {
+    std::vector<std::int16_t> sound = tone(206, 1024, 1000.0, 700000); // the last part is not whole
+    for (std::size_t i = 0; i < sound.size(); ++i)
+        sound[i] = static_cast<std::int16_t>(sound[i] + static_cast<int>(i / 100 % 97));
+    for (const std::int32_t width : {600, 150}) { // columns of one line, and of five
+        const RecordedWaterfallSettings settings{.log2Length = 10, .width = width, .height = 300};
+        const auto whole = painted(settings, sound, 10000);
+        RecordedWaterfall together(settings, sound.size() / 2);
+        RecordedWaterfall part(settings, sound.size() / 2);
+        const std::size_t samples = 2 * part.framesPerPart();
+        ASSERT_GT(samples, 0U);
+        for (std::span<const std::int16_t> rest = sound; !rest.empty();
+             rest = rest.subspan(std::min(samples, rest.size())))
+            together.append(part, part.paintPart(rest.first(std::min(samples, rest.size()))));
+        EXPECT_TRUE(together.finish());
+        EXPECT_TRUE(wholePicture(together.image()) == wholePicture(whole->image())) << width;
+        EXPECT_EQ(linesInView(together.image()).hundredths, linesInView(whole->image()).hundredths) << width;
+        EXPECT_EQ(together.image().samplesPerColumn(), whole->image().samplesPerColumn());
+    }
+}
+
 TEST(RecordedWaterfall, FitsItsColoursAsIfTheyHadBeenKnown) {
     std::vector<std::int16_t> sound = tone(206, 1024, 10000.0, 100 * 1024);
     for (std::size_t i = 0; i < sound.size(); ++i)
