@@ -2,6 +2,7 @@
 
 #include "base/SampleRate.h"
 #include "scope/ScopeAxes.h"
+#include "scope/ScopeNotations.h"
 #include "scope/ScopeReport.h"
 #include "scope/ScopeSettings.h"
 #include "scope/ScopeTable.h"
@@ -10,7 +11,6 @@
 #include "ui_ScopeWindow.h"
 #include "widgets/ExportMenu.h"
 #include "widgets/InputHints.h"
-#include "widgets/NumberText.h"
 #include "widgets/RealSlider.h"
 #include "widgets/Ruler.h"
 #include "widgets/TypedValue.h"
@@ -26,42 +26,11 @@ namespace {
 constexpr float kNoRange = 50000.0F;
 constexpr float kNoSweep = 600.0F;
 
-/// What is typed is still the same number of samples, truncated, after it has been kept in single precision.
-constexpr double kSampleMargin = 0.01;
-
 constexpr double kMillisecond = 0.001; // s
 
 /// A slider left at exactly 0 counts as one that was never stored.
 auto storedOr(float fallback) {
     return [fallback](float stored) { return stored == 0.0F ? fallback : stored; };
-}
-
-ValueNotation gainNotation() {
-    const auto write = [](double slider) { return QString::number(scopeGain(slider)); };
-    const auto read = [](const QString& text) -> std::optional<double> {
-        const auto gain = numberAndUnit(QString(text).remove(u'×'));
-        if (!gain || !gain->unit.isEmpty() || gain->number <= 0.0)
-            return std::nullopt;
-        return -std::log10(gain->number);
-    };
-    return {write, read};
-}
-
-ValueNotation sweepNotation() {
-    const auto write = [](double slider) {
-        return QString("%1 samples").arg(displayBuflength(scopeSweep(slider)));
-    };
-    const auto read = [](const QString& text) -> std::optional<double> {
-        const auto length = numberAndUnit(text);
-        if (!length || length->number <= 0.0)
-            return std::nullopt;
-        const bool isTime = length->unit == "ms";
-        if (!isTime && !length->unit.isEmpty() && length->unit != "samples")
-            return std::nullopt;
-        const double samples = isTime ? std::round(length->number * kSampleRate / 1000.0) : length->number;
-        return 5.0 - std::log10(samples + kSampleMargin);
-    };
-    return {write, read};
 }
 
 } // namespace

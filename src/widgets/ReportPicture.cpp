@@ -1,7 +1,7 @@
 #include "widgets/ReportPicture.h"
 
 #include "widgets/Paper.h"
-#include "widgets/ReadingColumns.h"
+#include "widgets/ReportBlock.h"
 
 #include <QBuffer>
 #include <QFontDatabase>
@@ -18,10 +18,8 @@ namespace sonotrace {
 
 namespace {
 
-constexpr int kTextSize = 13; // points, as all that follows
-constexpr double kTitleSize = 1.4;
+constexpr double kTitleSize = 1.4; // of a text
 constexpr int kMargin = 20;
-constexpr int kGap = 8;
 constexpr QSize kUsualPage(1280, 720);
 constexpr double kSmallestScale = 0.75; // of a page as it is asked for,
 constexpr double kLeastScale = 0.5;     // and where much has to stand on it
@@ -31,72 +29,15 @@ constexpr double kA4Scale = 300.0 / kPointsPerInch;
 constexpr int kPaperResolution = 1200; // dots an inch: lines are rounded to them
 constexpr int kPngQuality = 75;        ///< twice as fast to write as the smallest file, and a fifth larger
 constexpr int kMostPixels = 32767;     // each way, that a painter can reach
-const QColor kInk(0x1a, 0x1a, 0x1a);
-const QColor kQuietInk(0x60, 0x60, 0x60);
-const QColor kRule(0xc8, 0xc8, 0xc8);
-
-/// Where glyphs are not on the screen's grid they are spaced as in print.
-QFont pageFont(bool isOnGrid) {
-    QFont font = QGuiApplication::font();
-    font.setPixelSize(kTextSize);
-    font.setHintingPreference(isOnGrid ? QFont::PreferDefaultHinting : QFont::PreferNoHinting);
-    return font;
-}
 
 QFont titleFont(QFont font) {
-    font.setPixelSize(static_cast<int>(kTitleSize * kTextSize));
+    font.setPixelSize(static_cast<int>(kTitleSize * kPageTextSize));
     font.setBold(true);
     return font;
 }
 
-QFontMetrics metricsOfPage() {
-    return QFontMetrics(pageFont(false));
-}
-
 int headHeight() {
-    return QFontMetrics(titleFont(pageFont(false))).height() + metricsOfPage().height() + kGap;
-}
-
-/// With its heading.
-int blockHeight(const std::vector<Reading>& block, int width, int group) {
-    if (block.empty())
-        return 0;
-    const QFontMetrics metrics = metricsOfPage();
-    const ReadingColumns columns(block, metrics, width, group);
-    return kGap + (1 + columns.rows()) * metrics.lineSpacing();
-}
-
-void paintBlock(QPainter& painter, const QString& heading, const std::vector<Reading>& block,
-                const QRect& place, int group) {
-    if (block.empty())
-        return;
-    const QFontMetrics metrics = metricsOfPage();
-    const int line = metrics.lineSpacing();
-    const ReadingColumns columns(block, metrics, place.width(), group);
-    painter.fillRect(QRectF(place.left(), place.top() + kGap / 2, place.width(), lineThickness(painter)),
-                     kRule);
-    QFont bold = painter.font();
-    bold.setBold(true);
-    painter.save();
-    painter.setFont(bold);
-    painter.setPen(kInk);
-    painter.drawText(QRect(place.left(), place.top() + kGap, place.width(), line), Qt::AlignLeft, heading);
-    painter.restore();
-    for (int i = 0; i < static_cast<int>(block.size()); ++i) {
-        const Reading& reading = block[static_cast<std::size_t>(i)];
-        const ReadingColumns::Place& column = columns.place(i % columns.columns());
-        const int top = place.top() + kGap + (1 + i / columns.columns()) * line;
-        painter.setPen(kQuietInk);
-        painter.drawText(QRect(place.left() + column.name, top, column.value - column.name, line),
-                         Qt::AlignLeft | Qt::TextSingleLine, reading.name);
-        painter.setPen(kInk);
-        const int room = column.end - column.value;
-        painter.drawText(QRect(place.left() + column.value, top, room, line),
-                         Qt::AlignLeft | Qt::TextSingleLine | Qt::TextDontClip,
-                         metrics.horizontalAdvance(reading.value) > room
-                             ? metrics.elidedText(reading.value, Qt::ElideRight, room)
-                             : reading.value);
-    }
+    return QFontMetrics(titleFont(pageFont(false))).height() + metricsOfPage().height() + kPageGap;
 }
 
 std::vector<Reading> asReadings(const std::vector<Setting>& settings) {
@@ -283,14 +224,14 @@ void ReportPicture::paintHead(QPainter& painter, const Layout& layout) const {
     const QRect second(first.left(), first.bottom() + 1, first.width(), metrics.height());
     const QString time = QString::fromStdString(content_.origin.time).replace('T', ' ');
     const QString program = QString::fromStdString(content_.origin.program);
-    painter.setPen(kInk);
+    painter.setPen(kPageInk);
     painter.drawText(first, Qt::AlignRight | Qt::AlignBottom, time);
     painter.setFont(titleFont(font));
     painter.drawText(first, Qt::AlignLeft | Qt::AlignBottom, content_.title);
     painter.setFont(font);
-    painter.setPen(kQuietInk);
+    painter.setPen(kPageQuietInk);
     painter.drawText(second, Qt::AlignRight | Qt::AlignTop, program);
-    const int room = second.width() - metrics.horizontalAdvance(program) - 2 * kGap;
+    const int room = second.width() - metrics.horizontalAdvance(program) - 2 * kPageGap;
     painter.drawText(second, Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine,
                      metrics.elidedText(QString::fromStdString(content_.origin.source), Qt::ElideMiddle,
                                         std::max(room, 0)));
@@ -299,18 +240,19 @@ void ReportPicture::paintHead(QPainter& painter, const Layout& layout) const {
 /// In pixels of its own, as on the screen: what reaches beyond it is cut in the same way, to the last pixel.
 void ReportPicture::paintFace(QPainter& painter, const Layout& layout) const {
     const QRect& face = layout.face;
+    const QFont font = painter.font(); // a copy: the plot sets others
     painter.save();
     if (isOnPaper(painter)) {
         painter.translate(face.topLeft());
         painter.setClipRect(QRect(QPoint(0, 0), face.size()));
-        plot_->paint(painter, painter.font());
+        plot_->paint(painter, font);
     } else {
         const QSizeF pixels = QSizeF(face.size()) * layout.scale;
         QImage image(qCeil(pixels.width()), qCeil(pixels.height()), QImage::Format_RGB32);
         QPainter facePainter(&image);
         facePainter.scale(layout.scale, layout.scale);
-        facePainter.setFont(painter.font());
-        plot_->paint(facePainter, painter.font());
+        facePainter.setFont(font);
+        plot_->paint(facePainter, font);
         facePainter.end();
         painter.resetTransform();
         painter.drawImage((QPointF(face.topLeft()) * layout.scale).toPoint(), image);
@@ -344,7 +286,7 @@ void ReportPicture::paintPlot(QPainter& painter, const Layout& layout) const {
         }
         paintAt(corner, [&] {
             painter.setClipRect(QRect(QPoint(0, 0), size)); // as a widget would: ticks end at the face
-            RulerPainter(painter, ruler, size, {font, kInk, Qt::white}).paint();
+            RulerPainter(painter, ruler, size, {font, kPageInk, Qt::white}).paint();
         });
     }
 }
