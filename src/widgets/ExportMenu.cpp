@@ -68,7 +68,7 @@ QAction* ExportMenu::add(const char* name, const QString& title, const QKeySeque
 }
 
 void ExportMenu::addSizes() {
-    QMenu* const menu = addMenu("&Picture Size");
+    QMenu* const menu = addMenu("Picture Si&ze");
     auto* const group = new QActionGroup(menu);
     for (std::size_t i = 0; i < kSizes.size(); ++i) {
         QAction* const action = menu->addAction(kSizes[i].title);
