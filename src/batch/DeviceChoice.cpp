@@ -1,6 +1,7 @@
 #include "batch/DeviceChoice.h"
 
 #include "batch/CommandError.h"
+#include "batch/CommandLine.h"
 
 #include <algorithm>
 #include <vector>
@@ -57,6 +58,20 @@ ChosenByName choose(const std::vector<Candidate>& devices, const QString& text, 
 }
 
 } // namespace
+
+void addAudioOption(CommandLine& line) {
+    line.addOption({"audio"}, "SYSTEM",
+                   "Sound system to use: pulse or loopback. Without it, the sound server if it answers, else "
+                   "the loopback.");
+}
+
+SoundSystemChoice audioChoice(const CommandLine& line) {
+    const std::string word = line.text("audio").toStdString();
+    const auto choice = soundSystemChoice(word);
+    if (!choice)
+        throw CommandError("there is no sound system \"" + word + "\"", kWrongArguments);
+    return *choice;
+}
 
 ChosenByName chooseInput(SoundSystem& system, const QString& text) {
     return choose(candidates(system, &DeviceDescription::inputStreams), text, "input");

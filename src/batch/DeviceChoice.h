@@ -1,12 +1,19 @@
 #pragma once
 
 #include "platform/SoundSystem.h"
+#include "platform/SoundSystemChoice.h"
 
 #include <QString>
 
 #include <string>
 
 namespace sonotrace {
+
+class CommandLine;
+
+/// "--audio SYSTEM", and what it says. Throws a CommandError for a word that is none of them.
+void addAudioOption(CommandLine& line);
+SoundSystemChoice audioChoice(const CommandLine& line);
 
 /// A device that a subcommand plays on or listens to.
 struct ChosenByName {

@@ -1,8 +1,8 @@
 #include "batch/CommandError.h"
 #include "batch/CommandLine.h"
 #include "batch/Commands.h"
+#include "batch/DeviceChoice.h"
 #include "batch/StandardStreams.h"
-#include "platform/SoundSystemChoice.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -91,16 +91,10 @@ int runDevices(int argc, char** argv) {
         "List the sound devices: direction (an asterisk marks the default), channels, UID and name, "
         "in the order of the program's menus, with tabs between them.");
     line.addFlag({"json"}, "Print JSON.");
-    line.addOption({"audio"}, "SYSTEM",
-                   "Sound system to use: pulse or loopback. Without it, the sound server if it "
-                   "answers, else the loopback.");
+    addAudioOption(line);
     if (!line.parse(argc, argv))
         return 0;
-    const auto choice = soundSystemChoice(line.text("audio").toStdString());
-    if (!choice)
-        throw CommandError("there is no sound system \"" + line.text("audio").toStdString() + "\"",
-                           kWrongArguments);
-    const auto system = openSoundSystem(*choice);
+    const auto system = openSoundSystem(audioChoice(line));
     const std::vector<Listed> list = listed(*system);
     printOut(line.isSet("json") ? asJson(system->name(), list) : asText(list));
     return 0;

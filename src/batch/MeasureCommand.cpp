@@ -1,12 +1,11 @@
-#include "base/CsvText.h"
 #include "base/FftWindows.h"
 #include "base/SampleRate.h"
 #include "batch/CommandError.h"
 #include "batch/CommandLine.h"
 #include "batch/Commands.h"
 #include "batch/DeviceChoice.h"
+#include "batch/MeasuringBench.h"
 #include "batch/OutputFile.h"
-#include "batch/PlayAndListen.h"
 #include "batch/Progress.h"
 #include "batch/ReadingsJson.h"
 #include "batch/ResponseText.h"
@@ -14,18 +13,12 @@
 #include "batch/ToneResponse.h"
 #include "measure/CleanFrequency.h"
 #include "measure/SpectrumReader.h"
-#include "platform/SoundSystemChoice.h"
-#include "platform/loopback/LoopbackSystem.h"
 #include "spectrum/SpectrumWording.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include <algorithm>
-#include <chrono>
-#include <cmath>
-#include <thread>
 
 namespace sonotrace {
 
@@ -36,55 +29,6 @@ enum Kind : std::size_t { Response, Thd, Noise };
 
 constexpr std::int32_t kReadingBlock = 65536;
 constexpr FftWindowType kReadingWindow = 8; // Blackman-Nuttall
-constexpr int kFullScale = 32767;
-
-/// The devices of a measurement, and what plays and listens on them.
-class Bench {
-public:
-    explicit Bench(const CommandLine& line) {
-        const auto choice = soundSystemChoice(line.text("audio").toStdString());
-        if (!choice)
-            throw CommandError("there is no sound system \"" + line.text("audio").toStdString() + "\"",
-                               kWrongArguments);
-        // On the built-in loopback nobody has to wait for time to pass.
-        if (*choice == SoundSystemChoice::Loopback) {
-            auto loopback = std::make_unique<LoopbackSystem>(LoopbackSystem::Clock::Manual);
-            wait_ = [clock = loopback.get()] { clock->advance(4410); };
-            system_ = std::move(loopback);
-        } else {
-            wait_ = [] { std::this_thread::sleep_for(std::chrono::milliseconds(10)); };
-            system_ = openSoundSystem(*choice);
-        }
-        output_ = chooseOutput(*system_, line.text("output"));
-        input_ = chooseInput(*system_, line.text("input"));
-        streams_ =
-            std::make_unique<PlayAndListen>(*system_, PlayAndListen::Devices{output_.uid, input_.uid}, wait_);
-        settle_ = static_cast<std::size_t>(line.number("settle", 0.2, 60.0) * kSampleRate);
-    }
-
-    PlayAndListen& streams() { return *streams_; }
-    const std::string& output() const { return output_.name; }
-    const std::string& input() const { return input_.name; }
-    double settleSeconds() const { return static_cast<double>(settle_) / kSampleRate; }
-
-    /// A block of what is heard while `generators` play.
-    std::vector<std::int16_t> hear(const SettingsOfAll& generators) {
-        streams_->play(generators);
-        auto heard = streams_->listen(settle_, kReadingBlock);
-        const auto isFull = [](std::int16_t sample) { return std::abs(int{sample}) >= kFullScale; };
-        if (std::ranges::any_of(heard, isFull))
-            warn("the input reaches full scale: turn its volume, or what is played, down");
-        return heard;
-    }
-
-private:
-    std::unique_ptr<SoundSystem> system_;
-    std::function<void()> wait_;
-    ChosenByName output_;
-    ChosenByName input_;
-    std::unique_ptr<PlayAndListen> streams_;
-    std::size_t settle_ = 0;
-};
 
 std::array<SpectrumReadings, 2> readBoth(std::span<const std::int16_t> heard,
                                          const SpectrumQuestion& question) {
@@ -118,7 +62,7 @@ std::string readingsText(const std::array<SpectrumReadings, 2>& readings, const 
     return text.toStdString();
 }
 
-void printReadings(const CommandLine& line, const Bench& bench, const char* kind,
+void printReadings(const CommandLine& line, const MeasuringBench& bench, const char* kind,
                    const std::array<SpectrumReadings, 2>& readings, const SpectrumQuestion& question,
                    const QStringList& wanted) {
     if (!line.isSet("json")) {
@@ -137,8 +81,8 @@ int measureThd(const CommandLine& line) {
     const double asked = line.number("frequency", 20.0, 10000.0);
     const double peakDbfs = line.number("level", -120.0, 0.0);
     const double tone[] = {nearestCleanFrequency(asked, 10000.0)};
-    Bench bench(line);
-    const auto heard = bench.hear(settingsOfTones(tone, peakDbfs));
+    MeasuringBench bench(line);
+    const auto heard = bench.hear(settingsOfTones(tone, peakDbfs), kReadingBlock);
     const SpectrumQuestion question{.fundamentalHz = tone[0]};
     const auto readings = readBoth(heard, question);
     const auto isHeard = [](const SpectrumReadings& of) { return of.thdPlusNoiseDb.has_value(); };
@@ -156,8 +100,8 @@ int measureNoise(const CommandLine& line) {
     const SpectrumQuestion question{.fromHz = line.number("from", 0.0, kSampleRate / 2.0),
                                     .toHz = line.number("to", 0.0, kSampleRate / 2.0),
                                     .mainsHz = kMainsHz[line.choice("mains", kMains)]};
-    Bench bench(line);
-    const auto heard = bench.hear({});
+    MeasuringBench bench(line);
+    const auto heard = bench.hear({}, kReadingBlock);
     if (std::ranges::all_of(heard, [](std::int16_t sample) { return sample == 0; }))
         warn("the input is silent, without any noise: is it muted, or its volume at 0?");
     const auto readings = readBoth(heard, question);
@@ -166,21 +110,21 @@ int measureNoise(const CommandLine& line) {
 }
 
 int measureResponseOf(const CommandLine& line) {
-    ResponseQuestion question{.fromHz = line.number("from", 2.0, 20000.0),
-                              .toHz = line.number("to", 2.0, 22000.0),
-                              .points = line.integer("points", 1, 1000),
-                              .tonesAtOnce = line.integer("tones", 1, kGeneratorCount),
-                              .peakDbfs = line.number("level", -120.0, 0.0)};
+    const ResponseQuestion question{.fromHz = line.number("from", 2.0, 20000.0),
+                                    .toHz = line.number("to", 2.0, 22000.0),
+                                    .points = line.integer("points", 1, 1000),
+                                    .tonesAtOnce = line.integer("tones", 1, kGeneratorCount),
+                                    .peakDbfs = line.number("level", -120.0, 0.0)};
     if (!(question.fromHz < question.toHz))
         throw CommandError("--from has to be below --to", kWrongArguments);
     std::optional<OutputFile> csv;
-    Bench bench(line);
+    MeasuringBench bench(line);
     if (line.isSet("csv"))
         csv.emplace(line.path("csv"));
-    question.settleSeconds = bench.settleSeconds();
     std::optional<Progress> progress;
-    const double roundSeconds = question.settleSeconds + kToneBlock / kSampleRate;
-    const auto points = measureResponse(bench.streams(), question, [&](int done, int all) {
+    const double roundSeconds = bench.settleSeconds() + kToneBlock / kSampleRate;
+    const auto hear = [&](const SettingsOfAll& generators) { return bench.hear(generators, kToneBlock); };
+    const auto points = measureResponse(hear, question, [&](int done, int all) {
         if (!progress)
             progress.emplace(all * roundSeconds);
         progress->update(done * roundSeconds);
@@ -189,7 +133,7 @@ int measureResponseOf(const CommandLine& line) {
     const auto isHeard = [](const ResponsePoint& point) { return point.gainDb[0] || point.gainDb[1]; };
     if (std::ranges::none_of(points, isHeard))
         throw CommandError("no tone stands out of the noise: is the input connected, and its volume up?");
-    const ResponseConditions conditions{bench.output(), bench.input(), question};
+    const ResponseConditions conditions{bench.output(), bench.input(), question, bench.settleSeconds()};
     if (csv) {
         csv->write(responseTable(points, conditions));
         csv->commit();
@@ -209,10 +153,7 @@ int runMeasure(int argc, char** argv) {
         "frequencies are heard), thd (distortion of one tone) or noise (nothing is played). The input's "
         "volume is left as it is.");
     line.addArgument("response|thd|noise", "What to measure.");
-    line.addOption({"output"}, "DEVICE", "Device to play on: its UID or name, or a part of it.");
-    line.addOption({"input"}, "DEVICE", "Device to listen to. Both are the default devices without.");
-    line.addOption({"audio"}, "SYSTEM", "Sound system to use: pulse or loopback.");
-    line.addOption({"settle"}, "SECONDS", "From playing to listening, for what was before to die away.", "1");
+    MeasuringBench::addOptions(line);
     line.addOption({"level"}, "DBFS", "Peak of what is played, response and thd.", "-6");
     line.addOption({"frequency"}, "HZ", "Tone of thd; the nearest clean frequency is played.", "1000");
     line.addOption({"from"}, "HZ", "Begin of the response or the noise.", "20");

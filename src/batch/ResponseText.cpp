@@ -45,7 +45,7 @@ std::string responseTable(std::span<const ResponsePoint> points, const ResponseC
                                           {"Points", std::to_string(question.points)},
                                           {"Tones at a time", std::to_string(question.tonesAtOnce)},
                                           {"Peak level", number(question.peakDbfs) + " dBFS"},
-                                          {"Settle", number(question.settleSeconds) + " s"}}});
+                                          {"Settle", number(conditions.settleSeconds) + " s"}}});
     text.columns(std::vector<std::string>{"frequency_hz", "left_db", "right_db"});
     for (const ResponsePoint& point : points) {
         text.value(point.frequencyHz, 4);

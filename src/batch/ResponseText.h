@@ -12,6 +12,7 @@ struct ResponseConditions {
     std::string output; ///< names of the devices
     std::string input;
     ResponseQuestion question;
+    double settleSeconds = 0; ///< from playing to listening
 };
 
 /// A line a frequency for a terminal, a dash where nothing was heard.

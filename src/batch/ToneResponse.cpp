@@ -3,7 +3,8 @@
 #include "base/ChannelFold.h"
 #include "base/FftWindows.h"
 #include "base/SampleRate.h"
-#include "batch/PlayAndListen.h"
+#include "generator/OutputRender.h"
+#include "generator/WavRecorder.h"
 #include "measure/SpectrumReader.h"
 
 #include <algorithm>
@@ -106,16 +107,14 @@ SettingsOfAll settingsOfTones(std::span<const double> frequencies, double peakDb
     return settings;
 }
 
-std::vector<ResponsePoint> measureResponse(PlayAndListen& bench, const ResponseQuestion& question,
+std::vector<ResponsePoint> measureResponse(const Hear& hear, const ResponseQuestion& question,
                                            const std::function<void(int done, int all)>& progress) {
     const auto frequencies = responseFrequencies(question);
     const auto rounds = tonesTogether(frequencies, question.tonesAtOnce);
     const auto all = static_cast<int>(rounds.size()) + 1;
-    const auto settle = static_cast<std::size_t>(question.settleSeconds * kSampleRate);
     progress(0, all);
-    bench.play({});
     std::array<BlockReader, 2> silence;
-    const auto silent = bench.listen(settle, kToneBlock);
+    const auto silent = hear({});
     for (std::size_t channel = 0; channel < silence.size(); ++channel)
         silence[channel].take(silent, channel);
     BlockReader block;
@@ -130,8 +129,7 @@ std::vector<ResponsePoint> measureResponse(PlayAndListen& bench, const ResponseQ
             reference.push_back(block.levelAt(frequency).value_or(NAN));
             points.push_back({frequency, {}});
         }
-        bench.play(settings);
-        const auto heard = bench.listen(settle, kToneBlock);
+        const auto heard = hear(settings);
         for (std::size_t channel = 0; channel < silence.size(); ++channel) {
             block.take(heard, channel);
             for (std::size_t tone = 0; tone < reference.size(); ++tone) {

@@ -11,16 +11,13 @@
 
 namespace sonotrace {
 
-class PlayAndListen;
-
 /// What a frequency response is measured with.
 struct ResponseQuestion {
     double fromHz = 20;
     double toHz = 20000;
-    int points = 31;          ///< over that range, equally far apart on a logarithmic scale
-    int tonesAtOnce = 13;     ///< 1 to 13
-    double peakDbfs = -6;     ///< that all tones of a time together do not exceed
-    double settleSeconds = 1; ///< until what is played is heard, and all else has died away
+    int points = 31;      ///< over that range, equally far apart on a logarithmic scale
+    int tonesAtOnce = 13; ///< 1 to 13
+    double peakDbfs = -6; ///< that all tones of a time together do not exceed
 };
 
 struct ResponsePoint {
@@ -45,9 +42,13 @@ std::vector<std::vector<double>> tonesTogether(const std::vector<double>& freque
 /// at most `peakDbfs`.
 SettingsOfAll settingsOfTones(std::span<const double> frequencies, double peakDbfs);
 
+/// Plays these generators, waits until nothing else is heard, and gives kToneBlock frames of what is,
+/// interleaved.
+using Hear = std::function<std::vector<std::int16_t>(const SettingsOfAll& generators)>;
+
 /// Measures tones of both channels: how much louder than played they are heard, by the reading that the
-/// spectrum's pointer shows. `progress` is called with the parts done and all of them. Throws CommandError.
-std::vector<ResponsePoint> measureResponse(PlayAndListen& bench, const ResponseQuestion& question,
+/// spectrum's pointer shows. `progress` is called with the parts done and all of them.
+std::vector<ResponsePoint> measureResponse(const Hear& hear, const ResponseQuestion& question,
                                            const std::function<void(int done, int all)>& progress);
 
 } // namespace sonotrace
