@@ -9,6 +9,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
+#include <system_error>
 
 namespace sonotrace {
 
@@ -135,6 +137,14 @@ int CommandLine::integer(const QString& option, int least, int most) const {
     return static_cast<int>(value);
 }
 
+std::pair<double, double> CommandLine::band(double least, double most) const {
+    const double from = number("from", least, most);
+    const double to = number("to", least, most);
+    if (!(from < to))
+        refuse("--from has to be below --to");
+    return {from, to};
+}
+
 std::size_t CommandLine::choice(const QString& option, std::span<const char* const> words) const {
     const QString typed = typedChoice(text(option));
     const auto found =
@@ -150,6 +160,15 @@ std::string CommandLine::path(const QString& option) const {
 
 std::string CommandLine::argumentPath(std::size_t index) const {
     return bytesOf(argument(index));
+}
+
+std::string CommandLine::outputPath(const QString& option) const {
+    const std::string output = path(option);
+    std::error_code unknown;
+    if (std::filesystem::is_regular_file(output, unknown) &&
+        std::filesystem::equivalent(argumentPath(0), output, unknown))
+        throw CommandError(output + " is the file that is read", kWrongArguments);
+    return output;
 }
 
 QString typedChoice(const QString& word) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace sonotrace {
@@ -32,11 +33,16 @@ public:
     /// As the system calls want the name of a file.
     std::string path(const QString& option) const;
 
+    /// The same of a file that is to be written, which may not be the one that is read, argument 0.
+    std::string outputPath(const QString& option) const;
+
     /// Finite, from `least` to `most`; also "22k".
     double number(const QString& option, double least, double most) const;
     /// Nothing where the option is not there.
     std::optional<double> numberIfSet(const QString& option, double least, double most) const;
     int integer(const QString& option, int least, int most) const;
+    /// The values of --from and --to, in Hz, the one below the other.
+    std::pair<double, double> band(double least, double most) const;
     /// Which of the words it is. Capital letters and what stands between letters do not count: "flat-top".
     std::size_t choice(const QString& option, std::span<const char* const> words) const;
 

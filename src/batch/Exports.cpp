@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 
 namespace sonotrace {
 
@@ -44,16 +45,20 @@ void Exports::addOptions(CommandLine& line) {
 }
 
 Exports::Exports(const CommandLine& line) : size_(sizeOf(line)) {
-    int toStandardOutput = 0;
+    std::set<std::string> paths;
     for (const auto& [option, file] :
          {std::pair("csv", &csv_), std::pair("png", &png_), std::pair("pdf", &pdf_)}) {
         if (!line.isSet(option))
             continue;
-        file->emplace(line.path(option));
-        toStandardOutput += (*file)->path() == kDash ? 1 : 0;
+        file->emplace(line.outputPath(option));
+        const std::string& path = (*file)->path();
+        if (!paths.insert(path).second)
+            throw CommandError("only one of the files can be " +
+                                   (path == kDash ? std::string("standard output") : path),
+                               kWrongArguments);
+        if (file != &csv_ && (*file)->isTerminal())
+            throw CommandError("a terminal cannot show a picture: give a file or a pipe", kWrongArguments);
     }
-    if (toStandardOutput > 1)
-        throw CommandError("only one of the files can be standard output", kWrongArguments);
 }
 
 bool Exports::takeStandardOutput() const {

@@ -97,9 +97,9 @@ int measureThd(const CommandLine& line) {
 int measureNoise(const CommandLine& line) {
     constexpr const char* kMains[] = {"none", "50", "60"};
     constexpr double kMainsHz[] = {0.0, 50.0, 60.0};
-    const SpectrumQuestion question{.fromHz = line.number("from", 0.0, kSampleRate / 2.0),
-                                    .toHz = line.number("to", 0.0, kSampleRate / 2.0),
-                                    .mainsHz = kMainsHz[line.choice("mains", kMains)]};
+    const auto [from, to] = line.band(0.0, kSampleRate / 2.0);
+    const SpectrumQuestion question{
+        .fromHz = from, .toHz = to, .mainsHz = kMainsHz[line.choice("mains", kMains)]};
     MeasuringBench bench(line);
     const auto heard = bench.hear({}, kReadingBlock);
     if (std::ranges::all_of(heard, [](std::int16_t sample) { return sample == 0; }))
@@ -110,13 +110,12 @@ int measureNoise(const CommandLine& line) {
 }
 
 int measureResponseOf(const CommandLine& line) {
-    const ResponseQuestion question{.fromHz = line.number("from", 2.0, 20000.0),
-                                    .toHz = line.number("to", 2.0, 22000.0),
+    const auto [from, to] = line.band(2.0, 22000.0);
+    const ResponseQuestion question{.fromHz = from,
+                                    .toHz = to,
                                     .points = line.integer("points", 1, 1000),
                                     .tonesAtOnce = line.integer("tones", 1, kGeneratorCount),
                                     .peakDbfs = line.number("level", -120.0, 0.0)};
-    if (!(question.fromHz < question.toHz))
-        throw CommandError("--from has to be below --to", kWrongArguments);
     std::optional<OutputFile> csv;
     MeasuringBench bench(line);
     if (line.isSet("csv"))

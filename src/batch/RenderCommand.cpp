@@ -144,7 +144,7 @@ int runRender(int argc, char** argv) {
     if (!settings.empty())
         openSettings(instrument.bank, settings);
     instrument.output.syncPhases();
-    OutputFile file(line.path("output"));
+    OutputFile file(line.outputPath("output"));
     if (file.isTerminal())
         throw CommandError("a terminal cannot show sound: give a file or a pipe", kWrongArguments);
     file.write(wavHeader(2, 2, 16, static_cast<std::uint32_t>(frames * kFrameBytes)));

@@ -47,9 +47,9 @@ FileSpectraSettings settingsOf(const CommandLine& line, bool collectsPowers) {
 }
 
 SpectrumQuestion questionOf(const CommandLine& line) {
-    SpectrumQuestion question{.fromHz = line.number("from", 0.0, kNyquist),
-                              .toHz = line.number("to", 0.0, kNyquist),
-                              .fundamentalHz = line.numberIfSet("fundamental", 0.0, kNyquist)};
+    const auto [from, to] = line.band(0.0, kNyquist);
+    SpectrumQuestion question{
+        .fromHz = from, .toHz = to, .fundamentalHz = line.numberIfSet("fundamental", 0.0, kNyquist)};
     if (!line.isSet("mains"))
         return question;
     question.mainsHz = line.number("mains", 50.0, 60.0);

@@ -18,6 +18,7 @@
 #include <bit>
 #include <cmath>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace sonotrace {
@@ -71,10 +72,7 @@ RecordedWaterfallSettings settingsOf(const CommandLine& line) {
     settings.window = static_cast<FftWindowType>(line.choice("window", kFftWindowTitles));
     settings.channel = static_cast<ChannelFold>(line.choice("channel", kChannelWords));
     settings.merge = static_cast<LineMerge>(line.choice("merge", kLineMergeTitles));
-    settings.startFreq = line.number("from", 0.0, kSampleRate / 2.0);
-    settings.endFreq = line.number("to", 0.0, kSampleRate / 2.0);
-    if (!(settings.startFreq < settings.endFreq))
-        throw CommandError("--from has to be below --to", kWrongArguments);
+    std::tie(settings.startFreq, settings.endFreq) = line.band(0.0, kSampleRate / 2.0);
     settings.minDB = levelIfSet(line, "min-db");
     settings.maxDB = levelIfSet(line, "max-db");
     settings.isColoured = !line.isSet("grey");
@@ -109,7 +107,7 @@ int runWaterfall(int argc, char** argv) {
     Exports exports(line);
     std::optional<OutputFile> raw;
     if (line.isSet("raw"))
-        raw.emplace(line.path("raw"));
+        raw.emplace(line.outputPath("raw"));
     if (!exports.hasTable() && !exports.hasPicture() && !raw)
         throw CommandError("nothing is to be written: give --png, --pdf, --csv or --raw (try --help)",
                            kWrongArguments);
