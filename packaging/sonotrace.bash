@@ -20,6 +20,7 @@ _sonotrace() {
     --window) words='rectangular hann hamming tukey cosine lanczos blackman nuttall blackman-nuttall flat-top' ;;
     --channel) words='left right sum difference' ;;
     --mains) words='50 60' ;;
+    --steady) words='off 1 2' ;;
     --size) words='1280x720 1920x1080 3840x2160' ;;
     --merge) words='maximum power-mean' ;;
     esac

@@ -25,7 +25,8 @@ constexpr double kFullScale = 32768.0;
 constexpr double kLoudest =
     1e30; ///< of samples: what is beyond it is no sound, and its powers are no numbers
 constexpr std::uint64_t kUnknownBytes = 0x7FFF0000; ///< and more: the size that writers into pipes give
-constexpr int kLowestRate = 1000;                   // Hz
+constexpr std::uint64_t kNoLength = std::uint64_t{1} << 48U; ///< frames: a stream that does not say how many
+constexpr int kLowestRate = 1000;                            // Hz
 constexpr int kHighestRate = 1000000;
 constexpr std::size_t kWorkFrames = 8192;
 
@@ -68,7 +69,8 @@ std::uint64_t statedBytes(int descriptor) {
 AudioFile::AudioFile(std::string path, const AudioFileOptions& options)
     : isStandardInput_(path == "-"),
       name_(isStandardInput_ ? "standard input" : std::move(path)),
-      startSeconds_(options.startSeconds) {
+      startSeconds_(options.startSeconds),
+      seconds_(options.seconds) {
     openFile();
     checkFormat(options.resamples);
     warnIfCutOff();
@@ -78,6 +80,22 @@ AudioFile::AudioFile(std::string path, const AudioFileOptions& options)
     isShort_ = false;
     resampler_ = std::make_unique<Resampler>(
         rate_, [this](std::span<double> interleaved) { return readFile(interleaved); });
+}
+
+std::string AudioFile::described() const {
+    std::array<char, 64> text{};
+    std::string all = name_;
+    const auto add = [&](const char* format, double value) {
+        std::snprintf(text.data(), text.size(), format, value);
+        all += text.data();
+    };
+    if (startSeconds_ > 0.0)
+        add(", from %.9g s on", startSeconds_);
+    if (seconds_)
+        add(", at most %.9g s", *seconds_);
+    if (resampler_)
+        add(", converted from %.0f Hz", rate_);
+    return all;
 }
 
 AudioFile::~AudioFile() {
@@ -107,7 +125,7 @@ void AudioFile::openFile() {
     format_ = formatText(info.format);
     const auto frames = static_cast<std::uint64_t>(std::max<sf_count_t>(info.frames, 0));
     const auto leastBytes = static_cast<std::uint64_t>(std::max(channels_, 1));
-    if (isSeekable_ || frames < kUnknownBytes / (8 * leastBytes))
+    if (frames < (isSeekable_ ? kNoLength : kUnknownBytes / (8 * leastBytes)))
         fileFrames_ = frames;
     if (frames == 0)
         throw CommandError(name_ + " holds no samples");
@@ -130,7 +148,7 @@ void AudioFile::warnIfCutOff() const {
         return;
     const std::uint64_t stated = statedBytes(descriptor_);
     const auto bytes = static_cast<std::uint64_t>(there.st_size);
-    if (stated > bytes)
+    if (stated > bytes + 1) // the last byte may be padding
         warn(name_ + " is cut off: " + std::to_string(bytes) + " bytes of " + std::to_string(stated) +
              " are there, and are used");
 }

@@ -42,8 +42,10 @@ public:
     bool isShort() const { return isShort_; }
 
     const std::string& name() const { return name_; } ///< for people
-    int rate() const { return rate_; }                ///< Hz, as it is in the file
-    int channels() const { return channels_; }        ///< 1 or 2
+    /// The same with what of it is read, and how: all that has to be known to read it again.
+    std::string described() const;
+    int rate() const { return rate_; }         ///< Hz, as it is in the file
+    int channels() const { return channels_; } ///< 1 or 2
     const std::string& format() const {
         return format_;
     } ///< for people: "Signed 16 bit PCM, WAV (Microsoft)"
@@ -70,6 +72,7 @@ private:
     const bool isStandardInput_;
     const std::string name_;
     const double startSeconds_;
+    const std::optional<double> seconds_;
     int descriptor_ = -1;
     std::unique_ptr<sf_private_tag, Close> file_;
     int rate_ = 0;

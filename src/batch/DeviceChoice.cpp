@@ -59,10 +59,8 @@ ChosenByName choose(const std::vector<Candidate>& devices, const QString& text, 
 
 } // namespace
 
-void addAudioOption(CommandLine& line) {
-    line.addOption({"audio"}, "SYSTEM",
-                   "Sound system to use: pulse or loopback. Without it, the sound server if it answers, else "
-                   "the loopback.");
+void addAudioOption(CommandLine& line, const QString& without) {
+    line.addOption({"audio"}, "SYSTEM", "Sound system to use: pulse or loopback. Without it, " + without);
 }
 
 SoundSystemChoice audioChoice(const CommandLine& line) {

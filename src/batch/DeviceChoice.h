@@ -12,7 +12,7 @@ namespace sonotrace {
 class CommandLine;
 
 /// "--audio SYSTEM", and what it says. Throws a CommandError for a word that is none of them.
-void addAudioOption(CommandLine& line);
+void addAudioOption(CommandLine& line, const QString& without);
 SoundSystemChoice audioChoice(const CommandLine& line);
 
 /// A device that a subcommand plays on or listens to.

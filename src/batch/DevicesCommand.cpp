@@ -91,7 +91,7 @@ int runDevices(int argc, char** argv) {
         "List the sound devices: direction (an asterisk marks the default), channels, UID and name, "
         "in the order of the program's menus, with tabs between them.");
     line.addFlag({"json"}, "Print JSON.");
-    addAudioOption(line);
+    addAudioOption(line, "the sound server if it answers, else the loopback.");
     if (!line.parse(argc, argv))
         return 0;
     const auto system = openSoundSystem(audioChoice(line));

@@ -137,10 +137,9 @@ int measureResponseOf(const CommandLine& line) {
         csv->write(responseTable(points, conditions));
         csv->commit();
     }
-    if (line.isSet("json"))
-        printOut(responseJson(points, conditions));
-    else if (!csv || csv->path() != "-")
-        printOut(responseText(points));
+    if (csv && csv->path() == "-")
+        return 0;
+    printOut(line.isSet("json") ? responseJson(points, conditions) : responseText(points));
     return 0;
 }
 
@@ -166,6 +165,8 @@ int runMeasure(int argc, char** argv) {
     if (!line.parse(argc, argv))
         return 0;
     const QByteArray kind = line.argument(0).toUtf8();
+    if (line.isSet("csv") && kind != "response")
+        throw CommandError("--csv is for response", kWrongArguments);
     const auto* const found = std::ranges::find(kKinds, std::string_view(kind.constData()));
     switch (found - std::begin(kKinds)) {
     case Response:

@@ -1,6 +1,8 @@
 #include "batch/MeasuringBench.h"
 
 #include "base/SampleRate.h"
+#include "base/SystemLog.h"
+#include "batch/CommandError.h"
 #include "batch/CommandLine.h"
 #include "batch/StandardStreams.h"
 #include "platform/loopback/LoopbackSystem.h"
@@ -23,7 +25,7 @@ constexpr std::chrono::milliseconds kPause{10};
 void MeasuringBench::addOptions(CommandLine& line) {
     line.addOption({"output"}, "DEVICE", "Device to play on: its UID or name, or a part of it.");
     line.addOption({"input"}, "DEVICE", "Device to listen to. Both are the default devices without.");
-    addAudioOption(line);
+    addAudioOption(line, "the sound server.");
     line.addOption({"settle"}, "SECONDS", "From playing to listening, for what was before to die away.", "1");
 }
 
@@ -35,7 +37,10 @@ MeasuringBench::MeasuringBench(const CommandLine& line) : settleSeconds_(line.nu
         system_ = std::move(loopback);
     } else {
         wait_ = [] { std::this_thread::sleep_for(kPause); };
+        silenceSystemLog(); // it would tell of a loopback that is not used
         system_ = openSoundSystem(choice);
+        if (dynamic_cast<LoopbackSystem*>(system_.get())) // which would measure well whatever is wrong
+            throw CommandError("no sound server answers; --audio loopback measures the built-in loopback");
     }
     output_ = chooseOutput(*system_, line.text("output"));
     input_ = chooseInput(*system_, line.text("input"));

@@ -30,7 +30,12 @@ bool isNameOfStream(std::string_view path) {
 /// Where links lead to, or the path itself where nothing is.
 std::string resolved(const std::string& path) {
     std::error_code unknown;
-    const auto found = std::filesystem::weakly_canonical(path, unknown);
+    std::filesystem::path place(path);
+    for (int links = 0; links < 40 && std::filesystem::is_symlink(place, unknown) &&
+                        !std::filesystem::exists(place, unknown);
+         ++links) // to what is not there yet
+        place = place.parent_path() / std::filesystem::read_symlink(place, unknown);
+    const auto found = std::filesystem::weakly_canonical(place, unknown);
     return unknown ? path : found.string();
 }
 

@@ -42,8 +42,6 @@ public:
 private:
     static constexpr std::uint32_t kRingFrames = 1U << 18; // 5.9 s
 
-    void startOutput(const std::string& uid);
-    void startInput(const std::string& uid);
     void take(std::span<const std::int16_t> interleaved);
     bool hear(std::size_t skip, std::vector<std::int16_t>& heard);
     std::uint64_t losses() const;

@@ -56,8 +56,13 @@ PowerCollector::PowerCollector(std::span<const double> window, std::int32_t bloc
     for (unsigned i = 0; i < 4 * workerCount(); ++i)
         spare_.push({});
     takeRoom();
-    for (Worker& worker : workers_)
-        threads_.push_back(std::async(std::launch::async, [this, &worker] { work(worker); }));
+    try {
+        for (Worker& worker : workers_)
+            threads_.push_back(std::async(std::launch::async, [this, &worker] { work(worker); }));
+    } catch (...) { // no thread is to be had: those that there are must not wait for work
+        jobs_.abandon();
+        throw;
+    }
 }
 
 PowerCollector::~PowerCollector() {

@@ -110,7 +110,7 @@ int runScope(int argc, char** argv) {
     readings.delay = ChannelDelay(kScopeSignal, kSampleRate).read(capture.raw(0), capture.raw(1));
     ScopeTrace trace;
     trace.build(controls, capture, 1.0, 1.0); // searches; a picture is built anew in its size
-    const auto origin = originOf(file.name());
+    const auto origin = originOf(file.described());
     const auto settings = worded(controls, {});
     exports.write([&] { return scopeTable(origin, settings, trace, capture, {}); },
                   [&] {

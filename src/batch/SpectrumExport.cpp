@@ -44,7 +44,7 @@ std::string SpectrumExport::table() const {
     const FileSpectra& spectra = measurement_.spectra;
     const SpectrumBins last = analysis_.bins();
     const Axis shown = frequencyAxis(display_);
-    return spectrumTable(originOf(measurement_.file.name()), settings_,
+    return spectrumTable(originOf(measurement_.file.described()), settings_,
                          {.spectrum = last,
                           .average = {spectra.meanPower(), last.fftSize, last.windowSum},
                           .peakHold = {spectra.peakHold(), last.fftSize, last.windowSum}},
@@ -54,7 +54,7 @@ std::string SpectrumExport::table() const {
 ReportPicture SpectrumExport::page() {
     const auto level = [](double levelDbfs) { return levelText({}, levelDbfs); };
     const ReportContent content{.title = {},
-                                .origin = originOf(measurement_.file.name()),
+                                .origin = originOf(measurement_.file.described()),
                                 .settings = settings_,
                                 .readings = wordedSpectrum(measurement_.readings, measurement_.question, true,
                                                            level, measurement_.isAveraged)};

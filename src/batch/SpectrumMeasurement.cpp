@@ -53,7 +53,8 @@ SpectrumMeasurement::SpectrumMeasurement(AudioFile& input, const FileSpectraSett
 }
 
 double SpectrumMeasurement::lastSpectrumAt() const {
-    return static_cast<double>((spectra.spectra() - 1) * spectra.framesPerSpectrum()) / kSampleRate;
+    return file.startSeconds() +
+           static_cast<double>((spectra.spectra() - 1) * spectra.framesPerSpectrum()) / kSampleRate;
 }
 
 } // namespace sonotrace

@@ -19,7 +19,7 @@ struct SpectrumMeasurement {
     SpectrumMeasurement(AudioFile& file, const FileSpectraSettings& settings,
                         const SpectrumQuestion& question);
 
-    double lastSpectrumAt() const; ///< seconds from where the reading began
+    double lastSpectrumAt() const; ///< seconds from the file's beginning
 
     AudioFile& file; ///< outlives the measurement
     FileSpectra spectra;

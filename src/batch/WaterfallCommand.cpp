@@ -108,6 +108,8 @@ int runWaterfall(int argc, char** argv) {
     std::optional<OutputFile> raw;
     if (line.isSet("raw"))
         raw.emplace(line.outputPath("raw"));
+    if (raw && raw->path() == "-" && exports.takeStandardOutput())
+        throw CommandError("only one of the files can be standard output", kWrongArguments);
     if (!exports.hasTable() && !exports.hasPicture() && !raw)
         throw CommandError("nothing is to be written: give --png, --pdf, --csv or --raw (try --help)",
                            kWrongArguments);
@@ -120,9 +122,9 @@ int runWaterfall(int argc, char** argv) {
         const QByteArray png = writtenPicture(image, "png");
         raw->write(std::string_view(png.data(), static_cast<std::size_t>(png.size())));
     }
-    const MeasurementOrigin origin = originOf(file.name());
+    const MeasurementOrigin origin = originOf(file.described());
     exports.write(
-        [&] { return waterfallTable(linesInView(image), originLines("Waterfall", origin)); },
+        [&] { return waterfallTable(linesInView(image), originLines("waterfall", origin)); },
         [&] {
             ReportContent content;
             content.origin = origin;

@@ -1,5 +1,6 @@
 #include "scope/ScopeController.h"
 
+#include "base/PlainNumber.h"
 #include "base/SampleRate.h"
 #include "scope/ScopeAxes.h"
 #include "scope/ScopeNotations.h"
@@ -217,12 +218,20 @@ void ScopeController::makeExportMenu(Preferences& preferences) {
 }
 
 MeasurementOrigin ScopeController::origin() const {
-    return source_->origin(capture_.holds() ? held_.elapsed() : 0);
+    return source_->origin(lastBlock_.isValid() ? lastBlock_.elapsed() : 0);
 }
 
 std::vector<Setting> ScopeController::wordedSettings() const {
     std::vector<Setting> words = worded(controls_, source_->calibration());
-    words.push_back({"Input volume", ui_->soundInputVolume2Value->text().toStdString()});
+    for (const std::int32_t ch : {0, 1}) {
+        const std::int64_t blocks = capture_.blocks() - ui_->mainView->trace().shown(ch).block;
+        if (blocks > 0)
+            words.push_back({"Trace " + std::to_string(ch + 1),
+                             "held by the trigger, of " +
+                                 plainNumber(static_cast<double>(blocks) * kScopeBlock / kSampleRate) +
+                                 " s before the readings and the time"});
+    }
+    words.push_back({"Input volume", source_->volumeText().toStdString()});
     return words;
 }
 
@@ -247,6 +256,7 @@ void ScopeController::takeBlock() {
         ui_->singleButton->setChecked(false);
         ui_->holdButton->setChecked(true);
     }
+    lastBlock_.start();
     ui_->mainView->redisplay();
 }
 

@@ -78,7 +78,8 @@ private:
     std::int64_t readBlock_ = 0;  ///< ScopeCapture::blocks() when they were read
     Ruler* timeRuler_ = nullptr;
     std::array<Ruler*, 2> levelRulers_{};
-    QElapsedTimer held_; ///< since the picture is held
+    QElapsedTimer held_;      ///< since the picture is held
+    QElapsedTimer lastBlock_; ///< since it came; not valid before the first
 };
 
 } // namespace sonotrace

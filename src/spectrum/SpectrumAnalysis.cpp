@@ -84,7 +84,7 @@ void SpectrumAnalysis::takeSum(std::span<const double> sum, std::span<const doub
 SpectrumBins SpectrumAnalysis::bins() const {
     const std::size_t points = blockSum_.size();
     return {powerSpectrum().first(points == 0 ? 0 : points / 2 + 1), static_cast<double>(points),
-            spectrumWindowSum_};
+            spectrumWindowSum_ * summedBlocks_ / countedBlocks_};
 }
 
 void SpectrumAnalysis::startAfresh() {
@@ -132,11 +132,13 @@ void SpectrumAnalysis::makeSpectrum() {
     for (std::size_t i = 0; i < points; ++i)
         blockSum_[i] = fftWork_[2 * i];
     summedBlocks_ = std::exchange(inWork_, 0);
+    countedBlocks_ = avgCount_;
     for (std::size_t i = 0; i < points; ++i)
         fftWork_[2 * i] = fftWork_[2 * i] / avgCount_ * windowCoeffs_[i];
     avgCount_ = 0;
     spectrumWindowSum_ = windowSum_;
     spectrumWindow_ = windowType_;
+    spectrumFold_ = fold_;
     fft_.transform(fftWork_);
     maxPower_ = 0.0;
     minPower_ = 1e8;

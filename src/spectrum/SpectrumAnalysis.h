@@ -75,7 +75,9 @@ public:
     /// What the last spectrum is, whatever is chosen for the next one; no bins before the first.
     SpectrumBins bins() const;
     FftWindowType spectrumWindow() const { return spectrumWindow_; }
-    ChannelFold fold() const { return fold_; }
+    ChannelFold spectrumFold() const { return spectrumFold_; }
+    /// False after a change of size, where the sum lacks blocks that it is divided by.
+    bool isWhole() const { return summedBlocks_ == countedBlocks_; }
 
     double maxPower() const { return maxPower_; } ///< largest value of the last spectrum
     double minPower() const { return minPower_; } ///< smallest value of the last spectrum, at most 1e8
@@ -106,6 +108,8 @@ private:
     double windowSum_ = 0;
     std::vector<double> blockSum_;
     std::int32_t summedBlocks_ = 1;
+    std::int32_t countedBlocks_ = 1; ///< that the sum was divided by: more after a change of size
+    ChannelFold spectrumFold_ = ChannelFold::Sum;
     double spectrumWindowSum_ = 0; ///< of the last spectrum, as the next
     FftWindowType spectrumWindow_ = 0;
     std::vector<double> fftWork_; ///< re, im, ...: sum of the blocks, then their spectrum

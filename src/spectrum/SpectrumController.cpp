@@ -256,7 +256,7 @@ void SpectrumController::makeExportMenu() {
 }
 
 MeasurementOrigin SpectrumController::origin() const {
-    return source_->origin(hold_.isValid() ? hold_.elapsed() : 0);
+    return source_->origin(lastSpectrum_.isValid() ? lastSpectrum_.elapsed() : 0);
 }
 
 std::vector<Setting> SpectrumController::wordedSettings() const {
@@ -264,7 +264,7 @@ std::vector<Setting> SpectrumController::wordedSettings() const {
     std::vector<Setting> words =
         worded(SpectrumSettings{.fftSize = analysis_.bins().fftSize,
                                 .window = analysis_.spectrumWindow(),
-                                .fold = analysis_.fold(),
+                                .fold = analysis_.spectrumFold(),
                                 .blocks = analysis_.summedBlocks(),
                                 .averageKind = overlays_.average().kind(),
                                 .averagedSpectra = overlays_.average().spectra(),
@@ -273,7 +273,7 @@ std::vector<Setting> SpectrumController::wordedSettings() const {
                                 .mainsHz = question.mainsHz,
                                 .calibration = source_->calibration(),
                                 .correctionPoints = source_->correction().points().size()});
-    words.push_back({"Input volume", ui_->soundInputVolume2Value->text().toStdString()});
+    words.push_back({"Input volume", source_->volumeText().toStdString()});
     return words;
 }
 
@@ -283,9 +283,10 @@ ReportPicture SpectrumController::picture() {
                                 .origin = origin(),
                                 .settings = wordedSettings(),
                                 .readings = measuring_->shownReadings()};
-    return spectrumReport(
-        content,
-        {{analysis_.powerSpectrum(), analysis_.fftSize()}, display_, &overlays_, ui_->mainView->marks()});
+    return spectrumReport(content, {{analysis_.powerSpectrum(), analysis_.bins().fftSize},
+                                    display_,
+                                    &overlays_,
+                                    ui_->mainView->marks()});
 }
 
 std::string SpectrumController::table() {
@@ -323,8 +324,10 @@ void SpectrumController::takeQuestion() {
 }
 
 void SpectrumController::takeSpectrum() {
-    overlays_.add(analysis_.bins());
+    if (analysis_.isWhole()) // else it would be too low, for as long as it is a part of them
+        overlays_.add(analysis_.bins());
     measuring_->takeNewSpectrum();
+    lastSpectrum_.start();
     hasNew_ = true;
 }
 

@@ -89,7 +89,8 @@ private:
     std::unique_ptr<InputSource> source_;
     bool hasNew_ = false; ///< a spectrum that the view has not been told of
     SpectrumDisplay heldDisplay_;
-    QElapsedTimer hold_; ///< since spectrum and readings are held; not valid while they are not
+    QElapsedTimer hold_;         ///< since spectrum and readings are held; not valid while they are not
+    QElapsedTimer lastSpectrum_; ///< since it came; not valid before the first
     QTimer bargraphTimer_;
 };
 

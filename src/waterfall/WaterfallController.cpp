@@ -108,12 +108,12 @@ void WaterfallController::setUpAdditions() {
         shortcut->setContext(owner == &window_ ? Qt::WindowShortcut : Qt::WidgetShortcut);
         connect(shortcut, &QShortcut::activated, ui_->pauseButton, &QAbstractButton::toggle);
     }
-    const ExportMenu& menu = addExportMenu(
-        {*ui_->exportButton, preferences_, parameters_, *image_, *rulers_, *ui_->mainView,
-         [this] { return source_->origin(pause_.isValid() ? pause_.elapsed() : 0); },
-         [this] {
-             return std::vector<Setting>{{"Input volume", ui_->soundInputVolume2Value->text().toStdString()}};
-         }});
+    const ExportMenu& menu =
+        addExportMenu({*ui_->exportButton, preferences_, parameters_, *image_, *rulers_, *ui_->mainView,
+                       [this] { return source_->origin(pause_.isValid() ? pause_.elapsed() : 0); },
+                       [this] {
+                           return std::vector<Setting>{{"Input volume", source_->volumeText().toStdString()}};
+                       }});
     connect(&menu, &ExportMenu::said, source_.get(), &InputSource::showNotice);
     connect(ui_->pauseButton, &QAbstractButton::toggled, this, &WaterfallController::setPaused);
     connect(ui_->fitButton, &QAbstractButton::clicked, this, &WaterfallController::fitLimits);

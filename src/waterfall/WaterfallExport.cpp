@@ -19,7 +19,7 @@ ExportMenu& addExportMenu(const WaterfallExport& with) {
                                with.rulers.reference());
     };
     const auto table = [with] {
-        std::vector<Setting> about = originLines("Waterfall", with.origin());
+        std::vector<Setting> about = originLines("waterfall", with.origin());
         const std::vector<Setting> more = with.moreSettings();
         about.insert(about.end(), more.begin(), more.end());
         return waterfallTable(linesInView(with.image), about);

@@ -58,7 +58,12 @@ std::string waterfallTable(const WaterfallLines& lines, std::span<const Setting>
         table.comments(waterfallSettings(lines.scale));
     table.comment("Levels",
                   "dB of the display's own scale, 6.25 times the natural logarithm of the magnitude");
-    table.comment("Columns", "time before the newest line, then the middle of each row of the picture in Hz");
+    table.comment(
+        "Columns",
+        "time before the newest line, then the middle of each row of the picture in Hz; a row begins at "
+        "the bin of that frequency, so that a tone reads up to one bin higher");
+    if (!lines.columns.empty() && lines.columns.front() < lines.gapEnd)
+        table.comment("Gap", "sound is missing: the lines before it have no time");
     if (lines.leftOut > 0)
         table.comment("Left out", std::to_string(lines.leftOut) + " older lines painted with other settings");
     std::vector<std::string> names = {"time_s"};

@@ -7,7 +7,10 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
+
+#include <algorithm>
 
 namespace sonotrace {
 
@@ -52,6 +55,11 @@ std::optional<QString> askForFileToSave(QWidget* parent, Preferences& preference
     panel.setAcceptMode(QFileDialog::AcceptSave);
     panel.setFileMode(QFileDialog::AnyFile);
     panel.setDefaultSuffix(kind.suffix);
+    // A name that is typed without a suffix gets the one of the kind of file that is chosen beside it.
+    QObject::connect(&panel, &QFileDialog::filterSelected, &panel, [&panel](const QString& filter) {
+        const QString pattern = filter.section("*.", 1, 1);
+        panel.setDefaultSuffix(pattern.section(QRegularExpression("[^a-zA-Z0-9]"), 0, 0));
+    });
     panel.selectFile(newName(kind));
     return run(panel, preferences, kind);
 }
@@ -74,8 +82,13 @@ QString writeFile(const QString& path, const QByteArray& content, const QString&
         return QString("%1 cannot be written: it is not a file").arg(path);
     QSaveFile file(path);
     // Flushed on its own: what fails as late as in commit() is not noticed there, and empties the file.
-    const bool written = !content.isEmpty() && file.open(QIODevice::WriteOnly) &&
-                         file.write(content) == content.size() && file.flush() && file.commit();
+    const auto takes = [&file, &content] { // a full disk takes a part, and says why with the next one
+        qint64 position = 0;
+        for (qint64 taken = 1; position < content.size() && taken > 0; position += std::max<qint64>(taken, 0))
+            taken = file.write(content.constData() + position, content.size() - position);
+        return position == content.size() && file.flush();
+    };
+    const bool written = !content.isEmpty() && file.open(QIODevice::WriteOnly) && takes() && file.commit();
     return written ? done.arg(path) : QString("%1 cannot be written: %2").arg(path, file.errorString());
 }
 

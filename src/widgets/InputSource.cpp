@@ -2,12 +2,14 @@
 
 #include "base/SystemLog.h"
 #include "widgets/InputHints.h"
+#include "widgets/NumberText.h"
 #include "widgets/PopUp.h"
 #include "widgets/RealSlider.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
 
+#include <cmath>
 #include <utility>
 
 namespace sonotrace {
@@ -206,6 +208,17 @@ std::optional<float> InputSource::deviceVolume(const QueueState& state) {
     if (gain_.uid(index) != state.deviceUid || !gain_.read(index, volume))
         return std::nullopt;
     return std::exchange(lastVolume_, volume) == volume ? volume : sliderGain();
+}
+
+QString InputSource::volumeText() const {
+    float volume = 0;
+    const int index = controls_.inputPopup->currentIndex();
+    if (gain_.uid(index) != stream_.state().deviceUid || !gain_.read(index, volume))
+        return "not known";
+    const double decibels = 20.0 * system_.inputVolumeExponent() * std::log10(double{volume});
+    return QString("%1 %  %2 dB")
+        .arg(textWithDecimals(100.0 * double{volume}, 0),
+             volume > 0.0F ? textWithDecimals(decibels, 1) : QString("-∞"));
 }
 
 void InputSource::setFold(ChannelFold fold) {

@@ -67,6 +67,9 @@ public:
     /// Where what the tool shows comes from: the device that is listened to, so many milliseconds ago.
     MeasurementOrigin origin(qint64 millisecondsAgo) const;
 
+    /// What the device that is listened to stands at, whoever set it: "70 %  -9.3 dB".
+    QString volumeText() const;
+
     const AudioDeviceTable& devices() const { return devices_; }
 
     /// Where the user's calibrations are; without them no device is calibrated. They outlive the source.

@@ -38,8 +38,8 @@ void paintBlock(QPainter& painter, const QString& heading, const std::vector<Rea
     const QFontMetrics metrics = metricsOfPage();
     const int line = metrics.lineSpacing();
     const ReadingColumns columns(block, metrics, place.width(), group);
-    painter.fillRect(QRectF(place.left(), place.top() + kPageGap / 2, place.width(), lineThickness(painter)),
-                     kRule);
+    painter.fillRect(
+        QRectF(place.left(), place.top() + kPageGap / 2.0, place.width(), lineThickness(painter)), kRule);
     QFont bold = painter.font();
     bold.setBold(true);
     painter.save();
