@@ -163,7 +163,7 @@ std::string CommandLine::argumentPath(std::size_t index) const {
 }
 
 std::string CommandLine::outputPath(const QString& option) const {
-    const std::string output = path(option);
+    std::string output = path(option);
     std::error_code unknown;
     if (std::filesystem::is_regular_file(output, unknown) &&
         std::filesystem::equivalent(argumentPath(0), output, unknown))
