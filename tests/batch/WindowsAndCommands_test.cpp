@@ -67,15 +67,20 @@ protected:
 
     /// All readings of the window stand in what the program has said, too.
     void expectReadingsIn(const QString& text) {
-        auto& panel = this->template find<ReadingsPanel>("readings");
-        EXPECT_TRUE(QTest::qWaitFor([&] { return panel.text().contains("Hz"); }));
-        this->window_->template findChild<ExportMenu*>()->copyPicture(); // brings them up to date
-        const QStringList readings = panel.text().split('\n');
-        for (const QString& reading : readings) {
-            const QString line = reading.simplified();
-            EXPECT_TRUE(text.simplified().contains(line)) << line.toStdString() << "\nnot in\n"
-                                                          << text.toStdString();
-        }
+        const auto& panel = this->template find<ReadingsPanel>("readings");
+        const auto missing = [&] {
+            for (const QString& reading : panel.text().split('\n'))
+                if (!text.simplified().contains(reading.simplified()))
+                    return reading.simplified();
+            return QString();
+        };
+        // The last of them come with the next painting.
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            this->window_->template findChild<ExportMenu*>()->copyPicture();
+            return panel.text().contains("Hz") && missing().isEmpty();
+        })) << missing().toStdString()
+            << "\nnot in\n"
+            << text.toStdString();
     }
 };
 
