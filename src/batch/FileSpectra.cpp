@@ -1,26 +1,13 @@
 #include "batch/FileSpectra.h"
 
+#include "batch/ChannelOption.h"
+
 #include "base/WideVectors.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace sonotrace {
-
-namespace {
-
-/// Whether a sum or difference of 16-bit samples is not what came out.
-std::uint64_t countWrapped(ChannelFold fold, std::span<const std::int16_t> interleaved) {
-    const std::int32_t sign = fold == ChannelFold::Difference ? -1 : 1;
-    std::uint64_t wrapped = 0;
-    for (std::size_t i = 0; i + 1 < interleaved.size(); i += 2) {
-        const std::int32_t folded = interleaved[i] + sign * interleaved[i + 1];
-        wrapped += folded != wrapToSample(folded) ? 1U : 0U;
-    }
-    return wrapped;
-}
-
-} // namespace
 
 FileSpectra::FileSpectra(const FileSpectraSettings& settings)
     : settings_(settings),
@@ -42,7 +29,7 @@ void FileSpectra::take(std::span<const std::int16_t> interleaved) {
     else if (settings_.fold == Right)
         accumulate(interleaved, [](std::int16_t, std::int16_t right) { return right; });
     else {
-        wrapped_ += countWrapped(settings_.fold, interleaved);
+        wrapped_ += wrappedFrames(interleaved, settings_.fold);
         accumulate(interleaved, [fold = settings_.fold](std::int16_t left, std::int16_t right) {
             return foldSamples(fold, left, right);
         });

@@ -1,4 +1,5 @@
 #include "base/SampleRate.h"
+#include "batch/ChannelOption.h"
 #include "batch/CommandError.h"
 #include "batch/CommandLine.h"
 #include "batch/Commands.h"
@@ -23,8 +24,7 @@ void addArguments(CommandLine& line) {
     line.addOption({"fft-size"}, "N", "Points per transform, a power of two from 64 to 131072.", "16384");
     line.addOption({"window"}, "NAME", "Data window: " + listedChoices(kFftWindowTitles) + ".", "hann");
     line.addOption({"average"}, "N", "Blocks averaged sample by sample for a spectrum.", "1");
-    line.addOption({"channel"}, "NAME", listedChoices(kChannelWords) + " (left + right, left - right).",
-                   "left");
+    addChannelOption(line);
     line.addOption({"from"}, "HZ", "Lower end of the band in which noise is measured.", "0");
     line.addOption({"to"}, "HZ", "Upper end of that band.", "22050");
     line.addOption({"fundamental"}, "HZ",
@@ -42,7 +42,7 @@ FileSpectraSettings settingsOf(const CommandLine& line, bool collectsPowers) {
     return {.fftSize = size,
             .windowType = static_cast<FftWindowType>(line.choice("window", kFftWindowTitles)),
             .blocks = line.integer("average", 1, kMostBlocks),
-            .fold = static_cast<ChannelFold>(line.choice("channel", kChannelWords)),
+            .fold = channelOf(line),
             .collectsPowers = collectsPowers};
 }
 

@@ -1,10 +1,10 @@
 #include "batch/SpectrumMeasurement.h"
 
 #include "base/SampleRate.h"
+#include "batch/ChannelOption.h"
 #include "batch/CommandError.h"
 #include "batch/Progress.h"
 #include "batch/ReadAhead.h"
-#include "batch/StandardStreams.h"
 
 #include <algorithm>
 
@@ -24,13 +24,6 @@ void pass(SpectrumMeasurement& measurement) {
     measurement.spectra.finish();
 }
 
-void warnIfWrapped(const FileSpectra& spectra) {
-    if (spectra.wrapped() > 0)
-        warn(std::string("the ") + kChannelWords[static_cast<std::size_t>(spectra.settings().fold)] +
-             " of the channels is beyond 16 bits in " + std::to_string(spectra.wrapped()) +
-             " samples, and wraps around as in the spectrum's window");
-}
-
 } // namespace
 
 SpectrumMeasurement::SpectrumMeasurement(AudioFile& input, const FileSpectraSettings& settings,
@@ -44,7 +37,7 @@ SpectrumMeasurement::SpectrumMeasurement(AudioFile& input, const FileSpectraSett
         throw CommandError(file.name() + " holds " + std::to_string(levels.frames()) +
                            " samples: a spectrum with these settings needs " +
                            std::to_string(spectra.framesPerSpectrum()) + " (FFT size x average)");
-    warnIfWrapped(spectra);
+    warnIfWrapped(spectra.wrapped(), settings.fold, "spectrum");
     SpectrumReader reader;
     reader.take({spectra.blockSum(), spectra.windowCoeffs(), settings.blocks});
     readings = reader.read(question);

@@ -5,13 +5,9 @@
 #include "batch/FileSpectra.h"
 #include "measure/SpectrumReader.h"
 
-#include <array>
 #include <string>
 
 namespace sonotrace {
-
-/// How the channels are chosen on the command line, in the order of ChannelFold.
-inline constexpr std::array<const char*, 4> kChannelWords = {"sum", "left", "right", "difference"};
 
 /// A sound file that has been read to its end, and what its last whole spectrum measures.
 struct SpectrumMeasurement {

@@ -1,4 +1,5 @@
 #include "base/SampleRate.h"
+#include "batch/ChannelOption.h"
 #include "batch/CommandLine.h"
 #include "batch/ReadingsJson.h"
 #include "batch/SpectrumMeasurement.h"
@@ -73,7 +74,7 @@ std::string jsonTextOf(const SpectrumMeasurement& measurement) {
         {"fftSize", settings.fftSize},
         {"window", typedChoice(kFftWindowTitles[static_cast<std::size_t>(settings.windowType)])},
         {"average", settings.blocks},
-        {"channel", kChannelWords[static_cast<std::size_t>(settings.fold)]},
+        {"channel", channelName(settings.fold)},
         {"fromHz", measurement.question.fromHz},
         {"toHz", measurement.question.toHz},
         {"fundamentalHz", jsonOf(measurement.question.fundamentalHz)},

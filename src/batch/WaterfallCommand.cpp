@@ -2,6 +2,7 @@
 #include "base/SampleRate.h"
 #include "base/SystemLog.h"
 #include "batch/AudioFile.h"
+#include "batch/ChannelOption.h"
 #include "batch/CommandError.h"
 #include "batch/CommandLine.h"
 #include "batch/Commands.h"
@@ -25,16 +26,13 @@ namespace sonotrace {
 
 namespace {
 
-constexpr std::array<const char*, 4> kChannelWords = {"sum", "left", "right", "difference"}; // as ChannelFold
-
 void addArguments(CommandLine& line) {
     addInputOptions(line);
     Exports::addOptions(line);
     line.addOption({"raw"}, "FILE", "Write the bare picture as PNG, 1536 x 1024 pixels.");
     line.addOption({"fft-size"}, "N", "Samples of a transform, a power of two from 64 to 131072.", "8192");
     line.addOption({"window"}, "NAME", "Data window: " + listedChoices(kFftWindowTitles) + ".", "hann");
-    line.addOption({"channel"}, "NAME", listedChoices(kChannelWords) + " (left + right, left - right).",
-                   "left");
+    addChannelOption(line);
     line.addOption(
         {"speedup"}, "S",
         "Lines for the samples of a transform, a column each; of a long recording the last ones "
@@ -70,7 +68,7 @@ RecordedWaterfallSettings settingsOf(const CommandLine& line) {
     RecordedWaterfallSettings settings;
     settings.log2Length = log2LengthOf(line);
     settings.window = static_cast<FftWindowType>(line.choice("window", kFftWindowTitles));
-    settings.channel = static_cast<ChannelFold>(line.choice("channel", kChannelWords));
+    settings.channel = channelOf(line);
     settings.merge = static_cast<LineMerge>(line.choice("merge", kLineMergeTitles));
     std::tie(settings.startFreq, settings.endFreq) = line.band(0.0, kSampleRate / 2.0);
     settings.minDB = levelIfSet(line, "min-db");
@@ -89,10 +87,7 @@ void paint(RecordedWaterfall& waterfall, const RecordedWaterfallSettings& settin
         throw CommandError(file.name() + " holds " + std::to_string(painted.frames) + " samples: " +
                            (painted.frames < line ? "a line needs " + std::to_string(line) + " (FFT size)"
                                                   : "that is less than a column (--seconds-per-column)"));
-    if (painted.wrapped > 0)
-        warn(std::string("the ") + kChannelWords[static_cast<std::size_t>(settings.channel)] +
-             " of the channels is beyond 16 bits in " + std::to_string(painted.wrapped) +
-             " samples, and wraps around as in the waterfall's window");
+    warnIfWrapped(painted.wrapped, settings.channel, "waterfall");
 }
 
 } // namespace

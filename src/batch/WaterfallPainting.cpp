@@ -3,6 +3,7 @@
 #include "base/SampleRate.h"
 #include "batch/AudioFile.h"
 #include "batch/BlockQueue.h"
+#include "batch/ChannelOption.h"
 #include "batch/Progress.h"
 #include "batch/ReadAhead.h"
 #include "waterfall/RecordedWaterfall.h"
@@ -20,18 +21,6 @@ namespace sonotrace {
 namespace {
 
 constexpr unsigned kMostWorkers = 8;
-
-std::uint64_t wrappedFrames(std::span<const std::int16_t> interleaved, ChannelFold channel) {
-    if (channel == ChannelFold::Left || channel == ChannelFold::Right)
-        return 0;
-    const int sign = channel == ChannelFold::Sum ? 1 : -1;
-    std::uint64_t wrapped = 0;
-    for (std::size_t i = 0; i + 1 < interleaved.size(); i += 2) {
-        const int together = interleaved[i] + sign * interleaved[i + 1];
-        wrapped += together < INT16_MIN || together > INT16_MAX ? 1 : 0;
-    }
-    return wrapped;
-}
 
 Progress progressOf(const AudioFile& file) {
     const auto total = file.frames();
